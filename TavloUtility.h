@@ -1,0 +1,137 @@
+// TavloUtility: the utility component of the SDK. One stateless class, 27 class operations.
+//
+//   #include "TavloUtility.h"
+//   #include "host/SessionRecord.h"
+//
+//   auto session = std::make_shared<tavlo::host::SessionRecord>();
+//   session->set(tavlo::PackageText::device_model, "Phone 3");
+//   tavlo::TavloPackage::install(session);
+//   std::string query = tavlo::TavloUtility::getAdditionalRequestingString();
+//
+// What it needs of the SDK it reaches through request/TavloPackage.h, request/TavloUniqueUserHandler.h,
+// request/DataBaseHandler.h, common/Logger.h and common/TavloException.h; what it needs of the system through
+// platform/Platform.h. A program that links the platform library has the default platform by itself.
+//
+// Values   texts are UTF-8 and go through as they come.
+// Absent   std::nullopt. An absent text in a request is the six characters "(null)".
+// Logs     lines go to Logger::printLog(), console lines to the platform's console, each exactly as stated.
+// Threads  any operation on any thread, any time. Nothing is locked while a collaborator is called.
+// Throws   std::bad_alloc, and three things more: getCachedVideoList() on a file that is no keyed archive,
+//          the geocoder's answer with an empty list (from the handler), and whatever an installed
+//          TavloException throws.
+//
+// Names are the contract's, misspelt ones included; a selector of several words is one name here.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "common/Text.h"
+#include "common/Value.h"
+
+namespace tavlo {
+
+namespace platform {
+class Bundle;
+class Image;
+class ViewController;
+}  // namespace platform
+
+class TavloUtility {
+ public:
+  TavloUtility() = delete;  // there are no instances
+
+  // ---- Requests: request/Contracts.h has each one as a table ----
+
+  // The ad request: 41 pairs "key=value" joined by "&", without a leading "?" or "&". Every pair is always
+  // there. The argument is ignored.
+  [[nodiscard]] static std::string getAdditionalRequestingString(const void* ignored = nullptr);
+
+  // The tracker payload: a map of 35 keys, 34 texts and under "network_event_count" a list of maps with
+  // "network_id", "event" and "count". Of two stored records or more each is written to the console as
+  // "<networkID>  <event>  <count>" and kept when its count reads as an integer above 0. A lone record is not
+  // reported; that is deliberate.
+  [[nodiscard]] static Value trackerNetworkSessionData();
+
+  // The in-app notification request: 24 pairs, the app id and the optional id from the identifier store.
+  [[nodiscard]] static std::string getInAppNotificationAdditionalRequest();
+
+  // The unique-user fragment: 8 pairs, each with a leading "&", nothing encoded, "ru_n" always empty.
+  [[nodiscard]] static std::string getUserInfoRequestString();
+
+  // ---- Media cache (not built yet: each throws std::logic_error) ----
+
+  // The path of a name inside the cache directory, which is made when it is missing. Absent when the
+  // directory cannot be made usable. It is not the Documents directory, in spite of its name.
+  [[nodiscard]] static Text getDocumentDirectoryPath(std::string_view fileName);
+
+  // The path of the cached video of a URL, or of the name that the SDK's database holds for it. Absent when
+  // there is no such file.
+  [[nodiscard]] static Text getCacheVideoDataPath(const Text& url);
+  [[nodiscard]] static Text getCacheVideoPathOfSavedInDB(const Text& name);
+
+  // The archived video list, or the interstitial list. Absent when there is none, and then the whole cache
+  // is cleared.
+  [[nodiscard]] static std::optional<Value> getCachedVideoList(bool isVideo);
+
+  // Removes the item at exactly this path. True when it was removed.
+  [[nodiscard]] static bool deleteCachedVideo(const Text& path);
+
+  // Removes everything in the cache directory but the log file.
+  static void clearCache();
+
+  // A new list of the same records, ordered by "startdate". Absent gives absent.
+  [[nodiscard]] static std::optional<Value> sortCacahedVideoDates(const std::optional<Value>& list);
+
+  // The path of the cached banner image of a URL, absent when there is none (yet).
+  [[nodiscard]] static Text getCacheBannerImagePath(const Text& url);
+
+  // Downloads a banner image into the cache, on a background queue; returns at once.
+  static void cachedBannerImage(const Text& url);
+
+  // ---- Identifiers: three texts in the host app's user settings ----
+
+  // Absent or empty is ignored: the old value stays. Else the value is stored as it comes and on disk when
+  // the call returns (a failure to write it goes unnoticed, and the next setter writes it out).
+  static void setAppIdToUserDefault(const Text& value);
+  static void setOptionalIdToUserDefault(const Text& value);
+  static void setSecurityKeyToUserDefault(const Text& value);
+
+  // Absent until the first set. A value of another kind that the host app left there is answered in its text
+  // form (common/Format.h).
+  [[nodiscard]] static Text getAppIdFromUserDefault();
+  [[nodiscard]] static Text getOptionalIdFromUserDefault();
+  [[nodiscard]] static Text getSecurityKeyTFromUserDefault();
+
+  // ---- Location (not built yet: throws std::logic_error) ----
+
+  // Stores the position in the session package and asks for its address, which arrives later.
+  static void fetchCurrentLocation();
+
+  // ---- Resources and diagnostics (not built yet: each throws std::logic_error) ----
+
+  // The SDK's resource bundle, and the player's sound images in it. Absent (nullptr) when missing.
+  [[nodiscard]] static std::shared_ptr<platform::Bundle> frameworkBundle();
+  [[nodiscard]] static std::shared_ptr<const platform::Image> getVolumeImage();
+  [[nodiscard]] static std::shared_ptr<const platform::Image> getMuteImage();
+
+  // Offers the SDK's log file to other apps, over the given view. nullptr: over no view.
+  static void getExportTavloSDKLog(platform::ViewController* viewController);
+
+  // Whether an app is installed that opens the file manager's URL.
+  [[nodiscard]] static bool quillmixInstalledOnThisDevice();
+
+  // ---- Utilities ----
+
+  // The MD5 digest of a text's bytes up to its first U+0000, as 32 lowercase hexadecimal digits. Absent
+  // gives absent. A value that is no text gives absent, after a report to TavloException.
+  [[nodiscard]] static Text md5(const std::optional<Value>& value);
+
+  // The extension of a URL's path, percent-decoded, without the dot; "" when there is none. Absent when the
+  // text is absent or no URL reference (common/UrlGrammar.h has the grammar).
+  [[nodiscard]] static Text getFileExtensionFromUrl(const Text& url);
+};
+
+}  // namespace tavlo

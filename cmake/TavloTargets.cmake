@@ -1,0 +1,37 @@
+# What all targets of the project share: the language, the warnings, the sanitizers, and the library of the
+# rooms, which each room's folder adds its files to.
+find_package(Threads REQUIRED)
+
+set(CMAKE_EXPORT_COMPILE_COMMANDS ${PROJECT_IS_TOP_LEVEL})
+
+add_library(tavlo_options INTERFACE)
+target_compile_options(tavlo_options INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
+if(PROJECT_IS_TOP_LEVEL)
+  target_compile_options(tavlo_options INTERFACE -Werror)
+endif()
+if(TAVLO_SANITIZE)
+  target_compile_options(tavlo_options INTERFACE -fsanitize=${TAVLO_SANITIZE} -fno-omit-frame-pointer
+                                                 -fno-sanitize-recover=all)
+  target_link_options(tavlo_options INTERFACE -fsanitize=${TAVLO_SANITIZE})
+endif()
+
+# tavlo_library(name sources...): a static library of the project, with the project's root as include folder.
+function(tavlo_library name)
+  add_library(${name} STATIC ${ARGN})
+  target_compile_features(${name} PUBLIC cxx_std_20)
+  set_target_properties(${name} PROPERTIES CXX_EXTENSIONS OFF POSITION_INDEPENDENT_CODE ON)
+  target_include_directories(${name} PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>)
+  target_link_libraries(${name} PRIVATE $<BUILD_INTERFACE:tavlo_options>)
+endfunction()
+
+# tavlo_program(name sources...): an executable of the project.
+function(tavlo_program name)
+  add_executable(${name} ${ARGN})
+  target_compile_features(${name} PRIVATE cxx_std_20)
+  set_target_properties(${name} PROPERTIES CXX_EXTENSIONS OFF)
+  target_link_libraries(${name} PRIVATE tavlo_options)
+endfunction()
+
+tavlo_library(tavlo_utility)
+target_link_libraries(tavlo_utility PUBLIC Threads::Threads)
+add_library(Tavlo::utility ALIAS tavlo_utility)
