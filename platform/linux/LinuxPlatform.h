@@ -1,0 +1,33 @@
+// The Linux platform: the services of platform/Platform.h over files in the app's container.
+//
+//   tavlo::platform::install(tavlo::linux_platform::make({.domain = "org.example.player"}));
+//
+// A program that links the library and installs nothing has make({}) by itself, on first use.
+//
+// Values   see Options. Nothing is read or made on disk before the first service that needs it is used.
+// Absent   when there is no place for a container (no container given, no XDG_DATA_HOME, no HOME, no entry
+//          in the password database) settings hold nothing and fail to synchronize.
+// Threads  make() and every service: any thread, any time. After fork() in a program of several threads the
+//          child must not use them before exec().
+// Throws   std::invalid_argument from make(), with a message that names the option, when the domain or the
+//          container of the options is no usable name (Container.h). make({}) throws nothing but std::bad_alloc.
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "platform/Platform.h"
+
+namespace tavlo::linux_platform {
+
+struct Options {
+  std::optional<std::filesystem::path> container;  // absent: a folder of the domain's name, see Container.h
+  std::string domain;                              // empty: the name of the executable
+  bool quietConsole = false;                       // drops console lines instead of writing them to stderr
+};
+
+[[nodiscard]] std::shared_ptr<platform::Platform> make(const Options& options = {});
+
+}  // namespace tavlo::linux_platform
