@@ -5,7 +5,7 @@
 // Absent   the cache directory is never made here. While the file cannot be opened (no directory yet,
 //          something in the way that is no regular file, a symbolic link included), lines are held back,
 //          64 KiB at most with their newlines, and written before the next one that can be. What has no
-//          room is dropped, oldest first, and told by one line "(<count> lines dropped)" in its place.
+//          room is dropped, oldest first, and told by one line "(lines dropped: <count>)" in its place.
 // Durable  opened anew for each message, so the file and its directory may be cleared, removed or replaced at
 //          any time. Nothing is flushed to the disk itself: lines survive the process, not the machine. Lines
 //          that are held back end with the writer.
@@ -13,6 +13,7 @@
 // Throws   nothing: a line that cannot be written counts as dropped.
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <deque>
 #include <filesystem>
@@ -35,21 +36,24 @@ class LogFileWriter final : public Logger {
   void writeLine(std::string_view message) noexcept override;
 
  private:
-  [[nodiscard]] std::string lineOf(std::string_view message) const;
-  void holdBack(std::string line);
-  void drop(const std::string& line);
+  struct Line {
+    std::chrono::system_clock::time_point time;
+    std::string text;  // with its newline
+  };
+
   void writeHeldBack();
-  [[nodiscard]] bool append(std::ostream& file, const std::string& line);
+  [[nodiscard]] bool append(std::ostream& file, const std::string& text);
+  void dropOldest();
 
   const std::filesystem::path file_;
   const Clock clock_;
 
   std::mutex mutex_;  // guards what follows
-  std::deque<std::string> heldBack_;
+  std::deque<Line> heldBack_;
   std::size_t heldBackSize_ = 0;
   std::size_t dropped_ = 0;
-  std::string lastDroppedTime_;
-  bool cutShort_ = false;  // the file ends within a line
+  std::chrono::system_clock::time_point lastDroppedAt_;
+  bool cutShort_ = false;  // the file may end within a line
 };
 
 }  // namespace tavlo::host

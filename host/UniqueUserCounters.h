@@ -52,7 +52,7 @@ class UniqueUserCounters final : public TavloUniqueUserHandler {
     std::int32_t month = 0;
   };
 
-  [[nodiscard]] static std::shared_ptr<const Counters> countersOf(const Database::Row& lastUse);
+  [[nodiscard]] static std::shared_ptr<const Counters> countersOf(const Database::Rows& lastUse);
 
   const std::shared_ptr<Database> database_;
   const Clock clock_;
