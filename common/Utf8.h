@@ -7,8 +7,8 @@
 
 namespace tavlo {
 
-// A code point and the bytes that it took. An ill-formed sequence has length 0 of a whole code point: then
-// `valid` is false and `length` is 1, the byte to step over.
+// A code point and the bytes that it takes. Where the bytes are ill-formed, `valid` is false and `length` is
+// 1: the byte to step over.
 struct CodePoint {
   char32_t value = 0;
   std::size_t length = 0;
@@ -22,7 +22,7 @@ enum class Surrogates { refused, accepted };
 // from broken UTF-16 is held).
 [[nodiscard]] CodePoint decodeUtf8(std::string_view text, std::size_t at, Surrogates surrogates = Surrogates::refused);
 
-// Appends the code point, a surrogate as three bytes.
+// Appends the code point, which must not be above U+10FFFF; a surrogate as three bytes.
 void appendUtf8(std::string& out, char32_t codePoint);
 
 [[nodiscard]] bool isUtf8(std::string_view text);

@@ -4,6 +4,9 @@
 #include <bit>
 #include <cmath>
 #include <map>
+#include <unordered_map>
+
+#include "common/ValueNumbers.h"
 
 namespace tavlo {
 namespace {
@@ -23,17 +26,24 @@ Order compareDoubles(double a, double b) {
   return std::bit_cast<std::uint64_t>(a) <=> std::bit_cast<std::uint64_t>(b);
 }
 
+constexpr double kTwoTo63 = 9223372036854775808.0;
+constexpr double kTwoTo64 = 2 * kTwoTo63;
+constexpr double kTwoTo127 = kTwoTo64 * kTwoTo63;
+
+// Of a double that is whole and fits. Beyond 63 bits its last bits are zero, so that the lower half is exact;
+// a small negative one has a lower half that no double holds.
+Integer integerOf(double whole) {
+  if (whole >= -kTwoTo63 && whole < kTwoTo63) return Integer::of(static_cast<std::int64_t>(whole));
+  const double high = std::floor(whole / kTwoTo64);
+  return {.high = static_cast<std::int64_t>(high), .low = static_cast<std::uint64_t>(whole - (high * kTwoTo64))};
+}
+
 // Exact: a double whose whole part fits 128 bits is compared as an integer, never the other way round.
 Order compareIntegerWithDouble(const Integer& integer, double real) {
-  constexpr double kTwoTo64 = 18446744073709551616.0;
-  constexpr double kTwoTo127 = kTwoTo64 * 9223372036854775808.0;
   if (std::isnan(real) || real < -kTwoTo127) return Order::greater;
   if (real >= kTwoTo127) return Order::less;
   const double whole = std::floor(real);
-  const double high = std::floor(whole / kTwoTo64);
-  const Integer floor{.high = static_cast<std::int64_t>(high),
-                      .low = static_cast<std::uint64_t>(whole - (high * kTwoTo64))};
-  if (const Order order = integer <=> floor; order != 0) return order;
+  if (const Order order = integer <=> integerOf(whole); order != 0) return order;
   return whole < real ? Order::less : Order::equal;
 }
 
@@ -52,8 +62,8 @@ Order compareNumbers(const Value& a, const Value& b) {
   return realA->narrow <=> realB->narrow;
 }
 
-// Compares values of any depth of sharing in time linear in the pairs of contents met: the outcome for each
-// pair of shared contents is kept.
+// Compares shared contents once: those found equal count as one from then on, and the order of those found
+// different is kept.
 class Comparison {
  public:
   Order compare(const Value& a, const Value& b) {
@@ -65,26 +75,50 @@ class Comparison {
       case Kind::real: return compareNumbers(a, b);
       case Kind::date: return compareDoubles(a.ifDate()->seconds, b.ifDate()->seconds);
       case Kind::uid: return a.ifUid()->index <=> b.ifUid()->index;
-      case Kind::text: return *a.ifText() <=> *b.ifText();
-      case Kind::data: return *a.ifData() <=> *b.ifData();
-      default: return compareShared(a, b);
+      case Kind::text: return compareBytes(a, b, *a.ifText(), *b.ifText());
+      case Kind::data: return compareBytes(a, b, *a.ifData(), *b.ifData());
+      default: return compareOnce(a, b, [&] { return compareContents(a, b); });
     }
   }
 
  private:
-  Order compareShared(const Value& a, const Value& b) {
-    const auto pair = std::pair(a.identity(), b.identity());
+  // Short ones are compared faster than looked up.
+  Order compareBytes(const Value& a, const Value& b, const std::string& bytesA, const std::string& bytesB) {
+    constexpr std::size_t kShort = 64;
+    if (std::min(bytesA.size(), bytesB.size()) <= kShort) return bytesA <=> bytesB;
+    return compareOnce(a, b, [&] { return bytesA <=> bytesB; });
+  }
+
+  template <class Compare>
+  Order compareOnce(const Value& a, const Value& b, Compare compareThem) {
+    const auto pair = std::pair(representative(a.identity()), representative(b.identity()));
     if (pair.first == pair.second) return Order::equal;
-    if (const auto known = known_.find(pair); known != known_.end()) return known->second;
-    const Order order = compareContents(a, b);
-    known_.emplace(pair, order);
+    if (const auto known = different_.find(pair); known != different_.end()) return known->second;
+    const Order order = compareThem();
+    if (order != 0) {
+      different_.emplace(pair, order);
+    } else if (const void* const other = representative(pair.second); representative(pair.first) != other) {
+      equal_[representative(pair.first)] = other;
+    }
     return order;
+  }
+
+  // Of all contents found equal to these.
+  const void* representative(const void* contents) {
+    auto step = equal_.find(contents);
+    while (step != equal_.end()) {
+      const auto next = equal_.find(step->second);
+      if (next == equal_.end()) return step->second;
+      step->second = next->second;
+      step = next;
+    }
+    return contents;
   }
 
   Order compareContents(const Value& a, const Value& b) {
     switch (a.kind()) {
       case Kind::list: return compareLists(*a.ifList(), *b.ifList());
-      case Kind::set: return comparePointers(sorted(*a.ifSet()), sorted(*b.ifSet()));
+      case Kind::set: return compareSets(*a.ifSet(), *b.ifSet());
       case Kind::map: return compareMaps(*a.ifMap(), *b.ifMap());
       case Kind::url: return compareUrls(*a.ifUrl(), *b.ifUrl());
       default: {
@@ -119,20 +153,11 @@ class Comparison {
     return a.size() <=> b.size();
   }
 
-  Order comparePointers(const std::vector<const Value*>& a, const std::vector<const Value*>& b) {
-    const std::size_t both = std::min(a.size(), b.size());
-    for (std::size_t i = 0; i < both; ++i) {
-      if (const Order order = compare(*a[i], *b[i]); order != 0) return order;
-    }
-    return a.size() <=> b.size();
-  }
+  Order compareSets(const ValueList& a, const ValueList& b) { return compareLists(sorted(a), sorted(b)); }
 
-  std::vector<const Value*> sorted(const ValueList& items) {
-    std::vector<const Value*> pointers;
-    pointers.reserve(items.size());
-    for (const Value& item : items) pointers.push_back(&item);
-    std::sort(pointers.begin(), pointers.end(), [this](auto* x, auto* y) { return compare(*x, *y) < 0; });
-    return pointers;
+  ValueList sorted(ValueList items) {
+    std::sort(items.begin(), items.end(), [this](const Value& x, const Value& y) { return compare(x, y) < 0; });
+    return items;
   }
 
   std::vector<const ValueMap::Entry*> sortedEntries(const ValueMap& map) {
@@ -143,7 +168,8 @@ class Comparison {
     return pointers;
   }
 
-  std::map<std::pair<const void*, const void*>, Order> known_;
+  std::unordered_map<const void*, const void*> equal_;
+  std::map<std::pair<const void*, const void*>, Order> different_;
 };
 
 }  // namespace
@@ -204,21 +230,22 @@ const void* Value::identity() const {
 
 std::strong_ordering operator<=>(const Value& a, const Value& b) { return Comparison().compare(a, b); }
 
-ValueMap::ValueMap(std::vector<Entry> entries) : entries_(std::move(entries)) {
-  std::vector<std::size_t> byKey(entries_.size());
-  for (std::size_t i = 0; i < byKey.size(); ++i) byKey[i] = i;
-  std::stable_sort(byKey.begin(), byKey.end(),
-                   [this](std::size_t x, std::size_t y) { return entries_[x].first < entries_[y].first; });
-  std::vector<bool> superseded(entries_.size());
-  for (std::size_t i = 0; i < byKey.size();) {
-    const std::size_t first = byKey[i];
-    for (++i; i < byKey.size() && entries_[byKey[i]].first == entries_[first].first; ++i) {
-      entries_[first].second = std::move(entries_[byKey[i]].second);
-      superseded[byKey[i]] = true;
+ValueMap::ValueMap(std::vector<Entry> entries) {
+  ValueNumbers numbers;
+  *this = ValueMap(std::move(entries), numbers);
+}
+
+ValueMap::ValueMap(std::vector<Entry> entries, ValueNumbers& numbers) {
+  std::unordered_map<std::size_t, std::size_t> places;
+  entries_.reserve(entries.size());
+  for (auto& [key, value] : entries) {
+    const auto [place, isNew] = places.try_emplace(numbers.of(key), entries_.size());
+    if (isNew) {
+      entries_.emplace_back(std::move(key), std::move(value));
+    } else {
+      entries_[place->second].second = std::move(value);
     }
   }
-  std::size_t index = 0;
-  std::erase_if(entries_, [&](const Entry&) { return superseded[index++]; });
 }
 
 void ValueMap::set(Value key, Value value) {

@@ -8,6 +8,8 @@
 //          that are equal order as integer, real, narrow real; a real that is no number comes before all
 //          others. Text orders by code point, data by byte, lists item by item, sets and maps as their
 //          sorted contents. Equal means equal in kind and content, to the bit; a true is never a 1.
+// Nesting  comparing and destroying a value take stack in proportion to its nesting: tens of thousands of
+//          levels overflow it. Whoever builds values from foreign bytes must bound their nesting.
 // Threads  a Value may be read by any number of threads at once.
 #pragma once
 
@@ -28,6 +30,7 @@ namespace tavlo {
 
 class Value;
 class ValueMap;
+class ValueNumbers;
 struct ValueUrl;
 struct ValueObject;
 
@@ -70,8 +73,9 @@ class Value {
  public:
   enum class Kind : std::uint8_t { null, boolean, integer, real, date, text, data, url, uid, list, set, map, object };
 
-  Value() = default;  // null
-  Value(bool value) : content_(value) {}
+  Value() = default;               // null
+  template <std::same_as<bool> B>  // nothing that merely converts to bool, above all no pointer
+  Value(B value) : content_(value) {}
   template <std::integral I>
   requires(!std::same_as<I, bool>) Value(I value) : content_(Integer::of(value)) {}
   Value(double value) : content_(Real{.value = value}) {}
@@ -112,7 +116,7 @@ class Value {
   // kinds that hold their value in place.
   [[nodiscard]] const void* identity() const;
 
-  // Time is bounded by the number of different pairs of contents, however much is shared.
+  // Shared contents are compared once, however often they are met.
   [[nodiscard]] friend bool operator==(const Value& a, const Value& b) { return (a <=> b) == 0; }
   friend std::strong_ordering operator<=>(const Value& a, const Value& b);
 
@@ -144,11 +148,13 @@ class ValueMap {
   using Entry = std::pair<Value, Value>;
 
   ValueMap() = default;
-  // Of several entries with one key the last one's value counts, at the first one's place.
+  // Of several entries with one key the last one's value counts, at the first one's place. A maker of many
+  // maps from one graph passes the same `numbers` to all, so that keys they share are looked into once.
   explicit ValueMap(std::vector<Entry> entries);
+  ValueMap(std::vector<Entry> entries, ValueNumbers& numbers);
   ValueMap(std::initializer_list<Entry> entries) : ValueMap(std::vector<Entry>(entries)) {}
 
-  // Adds the entry, or replaces the value under its key in place.
+  // Adds the entry, or replaces the value under its key in place. Looks through all entries, as find() does.
   void set(Value key, Value value);
   // Adds an entry whose key is known to be new.
   void append(Value key, Value value) { entries_.emplace_back(std::move(key), std::move(value)); }

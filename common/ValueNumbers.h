@@ -1,0 +1,35 @@
+// ValueNumbers: gives equal values equal numbers, and different values different ones.
+//
+// Values   numbers count up from 0 in the order in which new contents are met. Equal means what Value's
+//          operator== says.
+// Bounds   each contents is walked once, however often it is shared, so that a number costs time and memory
+//          linear in what is new about the value (times a logarithm).
+// Threads  one thread at a time.
+//
+// Every value shown must outlive the ValueNumbers: contents are known again by where they lie.
+#pragma once
+
+#include <cstddef>
+#include <map>
+#include <string>
+#include <unordered_map>
+
+#include "common/Value.h"
+
+namespace tavlo {
+
+class ValueNumbers {
+ public:
+  [[nodiscard]] std::size_t of(const Value& value);
+
+ private:
+  [[nodiscard]] std::string contentsOf(const Value& value);
+  [[nodiscard]] std::string numbersOf(const ValueList& items);
+  [[nodiscard]] std::string numbersOf(const ValueMap& entries);
+
+  std::unordered_map<const void*, std::size_t> byIdentity_;
+  // By kind and contents, parts being numbers. No hash table: contents may be chosen to collide in one.
+  std::map<std::string, std::size_t> byContents_;
+};
+
+}  // namespace tavlo
