@@ -9,7 +9,7 @@
 //          absolute), else under .local/share of $HOME (the same), else of the password database's home.
 // Absent   locate() gives std::nullopt when nothing names a folder, or when the domain is left to the
 //          executable's name and that cannot be read or is no domain.
-// Threads  a Container is a value; makeFolders() may run in any number of threads and processes at once.
+// Threads  a Container is a value; folders may be made by any number of threads and processes at once.
 // Throws   std::invalid_argument from locate() for a given domain that is none, or a given folder that is
 //          empty or holds a NUL. The message says which, and what is allowed.
 #pragma once
@@ -37,13 +37,17 @@ class Container {
   [[nodiscard]] std::filesystem::path settingsFile() const { return preferences() / (domain_ + ".plist"); }
   [[nodiscard]] std::filesystem::path temporary() const { return folder_ / "tmp"; }
 
-  // Which names makeFolders() makes durable: all of them, or, when it has succeeded before in this process,
+  // Makes all of them, and the folders above that are missing, with mode 0700. True: they are there and
+  // survive a crash of the machine.
+  [[nodiscard]] bool makeFolders() const;
+
+  // Which names makeFolder() makes durable: all from the container down, or, for a caller that did so before,
   // only those that it makes anew.
   enum class Durable { all, fresh };
 
-  // Makes the folders that are missing, those above the container included, with mode 0700. True: they are
-  // there and survive a crash of the machine.
-  [[nodiscard]] bool makeFolders(Durable durable = Durable::all, Syscalls& syscalls = Syscalls::real()) const;
+  // The same for one folder: the container's own or one in it.
+  [[nodiscard]] bool makeFolder(const std::filesystem::path& folder, Durable durable = Durable::all,
+                                Syscalls& syscalls = Syscalls::real()) const;
 
  private:
   Container(std::filesystem::path folder, std::string domain)

@@ -1,0 +1,102 @@
+#include "platform/linux/AtomicFile.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <string>
+
+#include "platform/linux/FileOps.h"
+
+namespace tavlo::linux_platform {
+namespace {
+
+constexpr std::string_view kPrefix = "tavlo-";
+constexpr std::string_view kSuffix = ".tmp";
+constexpr int kMostNames = 100;
+
+std::filesystem::path newName(const std::filesystem::path& folder) {
+  static std::atomic<unsigned> number{0};
+  std::string name(kPrefix);
+  name += std::to_string(::getpid()) + '-' + std::to_string(++number);
+  return folder / name.append(kSuffix);
+}
+
+// An empty file of its own in the folder, locked; removed at the end unless it got its final name.
+class Temporary {
+ public:
+  Temporary(Syscalls& syscalls, const std::filesystem::path& folder) : syscalls_(syscalls) {
+    for (int i = 0; i < kMostNames && !file_; ++i) {
+      if (!take(newName(folder))) return;
+    }
+  }
+  Temporary(const Temporary&) = delete;
+  Temporary& operator=(const Temporary&) = delete;
+  ~Temporary() {
+    if (!file_ || renamed_) return;
+    const int error = errno;
+    removeFile(syscalls_, path_);
+    errno = error;
+  }
+
+  explicit operator bool() const { return static_cast<bool>(file_); }
+
+  [[nodiscard]] bool write(std::string_view bytes) {
+    return writeAll(syscalls_, file_.get(), bytes) && syscalls_.fsync(file_.get()) == 0;
+  }
+
+  [[nodiscard]] bool renameTo(const std::filesystem::path& target) {
+    renamed_ = renameFile(syscalls_, path_, target);
+    return renamed_;
+  }
+
+ private:
+  // False: no name will do. A name that is there already, or that a sweep gets hold of between the making
+  // and the locking, is given up for the next one.
+  bool take(const std::filesystem::path& path) {
+    FileDescriptor file = openFile(syscalls_, path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, 0600);
+    if (!file) return errno == EEXIST;
+    if (!tryLock(syscalls_, file.get())) {
+      if (errno == EWOULDBLOCK) return true;
+      const int error = errno;
+      removeFile(syscalls_, path);
+      errno = error;
+      return false;
+    }
+    if (!isNamed(syscalls_, file.get(), path)) return true;
+    path_ = path;
+    file_ = std::move(file);
+    return true;
+  }
+
+  Syscalls& syscalls_;
+  std::filesystem::path path_;
+  FileDescriptor file_;
+  bool renamed_ = false;
+};
+
+void removeIfAbandoned(Syscalls& syscalls, const std::filesystem::path& path) {
+  const FileDescriptor file = openFile(syscalls, path, O_RDONLY | O_NOFOLLOW | O_NONBLOCK);
+  // Named still: the owner may have renamed it since it was opened here, and then the lock is free as well.
+  if (file && tryLock(syscalls, file.get()) && isNamed(syscalls, file.get(), path)) removeFile(syscalls, path);
+}
+
+}  // namespace
+
+bool replaceFile(Syscalls& syscalls, const std::filesystem::path& temporaryFolder, const std::filesystem::path& target,
+                 std::string_view bytes) {
+  sweepTemporaries(syscalls, temporaryFolder);
+  Temporary temporary(syscalls, temporaryFolder);
+  return temporary && temporary.write(bytes) && temporary.renameTo(target) &&
+         syncFolder(syscalls, target.parent_path());
+}
+
+void sweepTemporaries(Syscalls& syscalls, const std::filesystem::path& temporaryFolder) {
+  const auto names = syscalls.folderNames(temporaryFolder.c_str());
+  if (!names) return;
+  for (const std::string& name : *names) {
+    if (name.starts_with(kPrefix) && name.ends_with(kSuffix)) removeIfAbandoned(syscalls, temporaryFolder / name);
+  }
+}
+
+}  // namespace tavlo::linux_platform

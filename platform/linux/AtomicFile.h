@@ -1,0 +1,29 @@
+// Replacing a file whole, so that a reader, a crash of the process and a crash of the machine meet the old
+// contents or the new ones and nothing else.
+//
+// Values   the file gets mode 0600. A symbolic link of its name is replaced, not followed.
+// Absent   false: the step that failed is in errno. The old file is whole, or the new one when all that
+//          failed is making its name durable; the temporary is removed.
+// Threads  any number of threads and processes at once, the last one wins.
+//
+// A temporary is named tavlo-<process>-<number>.tmp and owned by an advisory lock that its writer holds until
+// it has its final name. The kernel drops the lock with the writer, however that ends, so a temporary that
+// can be locked has no owner any more.
+#pragma once
+
+#include <filesystem>
+#include <string_view>
+
+#include "platform/linux/Syscalls.h"
+
+namespace tavlo::linux_platform {
+
+// Writes the bytes to a temporary in the folder, which must be of the target's file system. Abandoned
+// temporaries are swept first, so that they cannot fill a disk that the new file then has no room on.
+[[nodiscard]] bool replaceFile(Syscalls& syscalls, const std::filesystem::path& temporaryFolder,
+                               const std::filesystem::path& target, std::string_view bytes);
+
+// Removes the temporaries whose owner is gone. What it cannot remove stays for the next sweep.
+void sweepTemporaries(Syscalls& syscalls, const std::filesystem::path& temporaryFolder);
+
+}  // namespace tavlo::linux_platform

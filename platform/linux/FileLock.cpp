@@ -1,0 +1,35 @@
+#include "platform/linux/FileLock.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+
+#include <algorithm>
+
+namespace tavlo::linux_platform {
+
+FileLock::FileLock(Syscalls& syscalls, const std::filesystem::path& path,
+                   std::chrono::steady_clock::time_point deadline)
+    : syscalls_(syscalls) {
+  using std::chrono::steady_clock;
+  constexpr steady_clock::duration kLongestPause = std::chrono::milliseconds(4);
+  for (steady_clock::duration pause = std::chrono::microseconds(250);; pause = std::min(2 * pause, kLongestPause)) {
+    FileDescriptor file = openFile(syscalls, path, O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK, 0600);
+    if (!file) return;
+    if (!tryLock(syscalls, file.get())) {
+      if (errno != EWOULDBLOCK) return;
+    } else if (isNamed(syscalls, file.get(), path)) {  // else somebody removed it: others lock the new one
+      file_ = std::move(file);
+      return;
+    }
+    const auto now = syscalls.steadyNow();
+    if (now >= deadline) return;
+    syscalls.sleepFor(std::min(pause, deadline - now));
+  }
+}
+
+// Unlocked in so many words, because a process forked meanwhile shares the open file.
+FileLock::~FileLock() {
+  if (file_) uninterrupted([&] { return syscalls_.flock(file_.get(), LOCK_UN); });
+}
+
+}  // namespace tavlo::linux_platform
