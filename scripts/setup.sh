@@ -1,0 +1,58 @@
+#!/usr/bin/env bash
+# Installs the Debian 12 packages that the build, the tests and, with --ci, the continuous integration need.
+set -euo pipefail
+
+readonly USAGE="Usage: scripts/setup.sh [--ci] [-h]
+
+Installs the Debian packages that are missing. With all of them there it needs neither network nor rights.
+
+  --ci   also what .ci/run needs: clang, its sanitizers, clang-format, clang-tidy
+  -h     this text"
+
+packages=(
+  g++ cmake ninja-build libcli11-dev nlohmann-json3-dev libsqlite3-dev                  # the product
+  libgtest-dev libgmock-dev libssl-dev libbenchmark-dev python3 strace shellcheck       # the tests
+)
+readonly CI_PACKAGES=(clang libclang-rt-14-dev clang-format-14 clang-tidy-14)
+
+fail() {
+  echo "setup: $1" >&2
+  exit 1
+}
+
+for argument in "$@"; do
+  case "$argument" in
+    -h | --help) echo "$USAGE"; exit 0 ;;
+    --ci) packages+=("${CI_PACKAGES[@]}") ;;
+    *) echo "$USAGE" >&2; exit 2 ;;
+  esac
+done
+
+for tool in dpkg-query apt-get; do
+  command -v "$tool" >/dev/null || fail "this is no Debian system; install by hand: ${packages[*]}"
+done
+
+missing=()
+for package in "${packages[@]}"; do
+  dpkg-query --show --showformat='${db:Status-Status}\n' "$package" 2>/dev/null | grep -qx installed ||
+    missing+=("$package")
+done
+
+if [ ${#missing[@]} -eq 0 ]; then
+  echo "setup: all ${#packages[@]} packages are there"
+  exit 0
+fi
+
+if [ "$(id -u)" -eq 0 ]; then
+  as_root=(env)
+elif command -v sudo >/dev/null; then
+  as_root=(sudo env)
+else
+  fail "needs root or sudo to install: ${missing[*]}"
+fi
+
+echo "setup: installing ${missing[*]}"
+"${as_root[@]}" DEBIAN_FRONTEND=noninteractive apt-get update --quiet --quiet ||
+  fail "apt-get update failed; is there a network?"
+"${as_root[@]}" DEBIAN_FRONTEND=noninteractive apt-get install --yes --no-install-recommends "${missing[@]}" ||
+  fail "could not install: ${missing[*]}"

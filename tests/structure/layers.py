@@ -1,0 +1,135 @@
+#!/usr/bin/python3
+"""Checks which folder includes which, who uses the system and the libraries, and how long files are.
+
+Usage: layers.py ROOT    prints one line a violation; exit status 1 when there is any
+"""
+
+import re
+import sys
+from pathlib import Path
+
+FACE = "TavloUtility.h"
+ROOMS = ("request", "cache", "identity", "location", "resources")
+ROOM_ARROWS = {"common", "platform", FACE}
+HOST_API = {"request/TavloPackage.h", "request/PackageReads.h", "request/TavloUniqueUserHandler.h",
+            "request/DataBaseHandler.h"}
+
+# What a folder may include besides its own files: folders and single headers.
+ARROWS = {
+    FACE: {"common"},
+    "common": set(),
+    "platform": {"common"},
+    **{room: ROOM_ARROWS for room in ROOMS},
+    "platform/linux": {"common", "platform"},
+    "host": {"common", "platform", FACE} | HOST_API,
+    "cli": {"common", "platform", "platform/linux", "host", FACE, *ROOMS},
+}
+SYSTEM_USERS = {"platform/linux", "cli"}
+
+# Each library's headers stand in one file only, of this folder.
+LIBRARIES = {
+    "SQLite": (r"sqlite3\.h", "host"),
+    "CLI11": (r"CLI/.+", "cli"),
+    "nlohmann-json": (r"nlohmann/.+", "cli"),
+}
+
+STANDARD_HEADERS = set("""
+    algorithm any array atomic barrier bit bitset cassert cctype cerrno cfenv cfloat charconv chrono cinttypes
+    climits clocale cmath codecvt compare complex concepts condition_variable coroutine csetjmp csignal cstdarg
+    cstddef cstdint cstdio cstdlib cstring ctime cuchar cwchar cwctype deque exception execution filesystem format
+    forward_list fstream functional future initializer_list iomanip ios iosfwd iostream istream iterator latch limits
+    list locale map memory memory_resource mutex new numbers numeric optional ostream queue random ranges ratio regex
+    scoped_allocator semaphore set shared_mutex source_location span sstream stack stdexcept stop_token streambuf
+    string string_view strstream syncstream system_error thread tuple type_traits typeindex typeinfo unordered_map
+    unordered_set utility valarray variant vector version""".split())
+SYSTEM_HEADER = re.compile(r"(sys|linux|netinet|arpa)/\w+\.h|(unistd|fcntl|dirent|signal|poll|pthread|sched|pwd)\.h")
+
+INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]', re.MULTILINE)
+LONGEST_FILE = 300
+MEASURED = {".h", ".cpp", ".py", ".sh", ".cmake"}
+SKIPPED = {".git", "build"}
+
+
+def folder_of(path):
+    """The layer that a path of the tree belongs to, None for tests, benches and the like."""
+    if path == FACE:
+        return FACE
+    matches = [folder for folder in ARROWS if path.startswith(folder + "/")]
+    return max(matches, key=len, default=None)
+
+
+def defines_face(name, included):
+    """The utilities of common/ are operations of the face: a source file there sees it, a header never."""
+    return included == FACE and name.startswith("common/") and name.endswith(".cpp")
+
+
+class Check:
+    def __init__(self, root):
+        self.violations = []
+        self.library_users = {name: [] for name in LIBRARIES}
+        for path in sorted(root.rglob("*")):
+            name = path.relative_to(root).as_posix()
+            if path.suffix not in MEASURED or name.split("/")[0] in SKIPPED:
+                continue
+            text = path.read_text(encoding="utf-8")
+            self.measure(name, text)
+            for bracket, included in INCLUDE.findall(text) if path.suffix in {".h", ".cpp"} else ():
+                self.include(name, bracket == "<", included)
+        self.count_library_users()
+
+    def report(self, name, message):
+        self.violations.append(f"{name}: {message}")
+
+    def measure(self, name, text):
+        lines = text.count("\n")
+        if lines > LONGEST_FILE:
+            self.report(name, f"{lines} lines, at most {LONGEST_FILE}")
+
+    def include(self, name, angled, included):
+        folder = folder_of(name)
+        if folder is None:
+            self.include_in_test(name, included)
+        elif angled:
+            self.include_of_system(name, folder, included)
+        else:
+            self.include_of_project(name, folder, included)
+
+    def include_in_test(self, name, included):
+        portable = [f"tests/{folder}/" for folder in ("common", "host", "support", *ROOMS)]
+        if name.startswith(tuple(portable)) and included.startswith("platform/linux/"):
+            self.report(name, f"includes {included}; this test may not assume a platform")
+
+    def include_of_system(self, name, folder, included):
+        if included in STANDARD_HEADERS or (folder in SYSTEM_USERS and SYSTEM_HEADER.fullmatch(included)):
+            return
+        for library, (headers, home) in LIBRARIES.items():
+            if re.fullmatch(headers, included) and folder == home:
+                self.library_users[library].append(name)
+                return
+        self.report(name, f"<{included}> is neither of the C++ standard library nor allowed in {folder}")
+
+    def include_of_project(self, name, folder, included):
+        target = folder_of(included)
+        if target is None:
+            self.report(name, f'"{included}" is no path from the root to a file of a layer')
+        elif target != folder and not ARROWS[folder] & {target, included} and not defines_face(name, included):
+            self.report(name, f"{folder} may not include {included}")
+
+    def count_library_users(self):
+        for library, users in self.library_users.items():
+            if len(set(users)) > 1:
+                self.report(", ".join(sorted(set(users))), f"{library} is for one file only")
+
+
+def main(arguments):
+    if len(arguments) != 1 or not Path(arguments[0]).is_dir():
+        print(__doc__, file=sys.stderr)
+        return 2
+    violations = Check(Path(arguments[0])).violations
+    for violation in violations:
+        print(violation)
+    return 1 if violations else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv[1:]))
