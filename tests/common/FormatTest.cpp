@@ -1,0 +1,137 @@
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <clocale>
+#include <cmath>
+#include <cstdlib>
+#include <limits>
+
+#include "common/Format.h"
+#include "tests/support/CaseName.h"
+#include "tests/support/Python.h"
+#include "tests/support/TemporaryFolder.h"
+
+namespace tavlo {
+namespace {
+
+template <class Append, class Argument>
+std::string written(Append append, const Argument& argument) {
+  std::string out = "<";
+  append(out, argument);
+  return out + ">";
+}
+
+TEST(FormatTest, AnAbsentTextIsSixCharactersAndAnEmptyOneNone) {
+  EXPECT_EQ(written(appendText, Text()), "<(null)>");
+  EXPECT_EQ(written(appendText, Text("")), "<>");
+  EXPECT_EQ(written(appendText, Text("a %@ b")), "<a %@ b>");
+}
+
+TEST(FormatTest, ATruthValueIsOneOrZero) {
+  EXPECT_EQ(written(appendBoolean, true), "<1>");
+  EXPECT_EQ(written(appendBoolean, false), "<0>");
+}
+
+TEST(FormatTest, AnIntegerIsSignedDecimalWithoutGrouping) {
+  EXPECT_EQ(written(appendInteger, 0), "<0>");
+  EXPECT_EQ(written(appendInteger, -1), "<-1>");
+  EXPECT_EQ(written(appendInteger, std::numeric_limits<std::int32_t>::max()), "<2147483647>");
+  EXPECT_EQ(written(appendInteger, std::numeric_limits<std::int32_t>::min()), "<-2147483648>");
+}
+
+TEST(FormatTest, ADoubleHasSixDecimalsAndPrintsAsInC) {
+  EXPECT_EQ(written(appendFixed, 28.5), "<28.500000>");
+  EXPECT_EQ(written(appendFixed, -0.12), "<-0.120000>");
+  EXPECT_EQ(written(appendFixed, 0.0), "<0.000000>");
+  EXPECT_EQ(written(appendFixed, -0.0), "<-0.000000>");
+  EXPECT_EQ(written(appendFixed, -33.8688), "<-33.868800>");
+  EXPECT_EQ(written(appendFixed, 1e22), "<10000000000000000000000.000000>");
+  EXPECT_EQ(written(appendFixed, std::numeric_limits<double>::max()).size(), 309U + 7 + 2);
+  EXPECT_EQ(written(appendFixed, std::numeric_limits<double>::infinity()), "<inf>");
+  EXPECT_EQ(written(appendFixed, -std::numeric_limits<double>::infinity()), "<-inf>");
+  EXPECT_EQ(written(appendFixed, std::nan("")), "<nan>");
+}
+
+TEST(FormatTest, FixedNotationAgreesWithASecondImplementationOn20000Doubles) {
+  const std::string seed = "754";
+  SCOPED_TRACE("seed " + seed);
+
+  for (const std::string& line : test::splitLines(test::runOracle("fixed.py", {"20000", seed}))) {
+    const double number = std::bit_cast<double>(std::stoull(line.substr(0, 16), nullptr, 16));
+    std::string ours;
+    appendFixed(ours, std::isnan(number) ? std::fabs(number) : number);
+    ASSERT_EQ(ours, line.substr(17)) << line;
+  }
+}
+
+TEST(FormatTest, NumbersAreTheSameUnderALocaleWithADecimalComma) {
+  const test::TemporaryFolder folder;
+  const std::string command = "localedef -i de_DE -f UTF-8 '" + (folder / "de_DE.UTF-8").string() + "' >/dev/null 2>&1";
+  if (std::system(command.c_str()) != 0) GTEST_SKIP() << "localedef cannot make a locale with a decimal comma here";
+  ASSERT_EQ(::setenv("LOCPATH", folder.path().c_str(), 1), 0);
+  ASSERT_NE(std::setlocale(LC_ALL, "de_DE.UTF-8"), nullptr);
+  ASSERT_STREQ(std::localeconv()->decimal_point, ",");
+
+  EXPECT_EQ(written(appendFixed, -1234.5), "<-1234.500000>");
+  EXPECT_EQ(textForm(1234.5), "1234.5");
+  EXPECT_EQ(textForm(-1234567), "-1234567");
+
+  std::setlocale(LC_ALL, "C");
+}
+
+struct Case {
+  const char* name;
+  Value value;
+  const char* text;
+};
+
+class TextForm : public testing::TestWithParam<Case> {};
+
+TEST_P(TextForm, IsAsDocumented) { EXPECT_EQ(textForm(GetParam().value), GetParam().text); }
+
+INSTANTIATE_TEST_SUITE_P(
+    Kinds, TextForm,
+    testing::Values(Case{"ANull", Value(), "<null>"}, Case{"True", true, "1"}, Case{"False", false, "0"},
+                    Case{"Integer", -42, "-42"},
+                    Case{"Unsigned", std::numeric_limits<std::uint64_t>::max(), "18446744073709551615"},
+                    Case{"Bits128", Integer{.high = std::numeric_limits<std::int64_t>::min(), .low = 0},
+                         "-170141183460469231731687303715884105728"},
+                    Case{"Whole", 3.0, "3"}, Case{"Tenth", 0.1, "0.1"}, Case{"Third", 1.0 / 3, "0.3333333333333333"},
+                    Case{"Large", 1e20, "1e+20"}, Case{"Small", 1.5e-7, "1.5e-07"}, Case{"Infinite", -HUGE_VAL, "-inf"},
+                    Case{"Text", "a\nb", "a\nb"}, Case{"Data", Value::data("a b"), "a b"},
+                    Case{"TheReferenceDate", Date{.seconds = 0}, "2001-01-01 00:00:00 +0000"},
+                    Case{"ADateBefore", Date{.seconds = -0.5}, "2000-12-31 23:59:59 +0000"},
+                    Case{"AnEarlyDate", Date{.seconds = -63113904000.0}, "0001-01-01 00:00:00 +0000"},
+                    Case{"ADateBeyondTheCalendar", Date{.seconds = 1e300}, "1e+300"},
+                    Case{"ADateThatIsNone", Date{.seconds = std::nan("")}, "nan"}, Case{"AUid", Uid{.index = 7}, "7"},
+                    Case{"Url", Value::url({.text = "x", .base = Value::url({.text = "http://h", .base = {}})}), "x"},
+                    Case{"List", Value::list({"a", 1, Value::list({})}), "(a, 1, ())"},
+                    Case{"Set", Value::set({"a"}), "(a)"},
+                    Case{"Map", Value::map({{"k", 1}, {2, "v"}}), "{k = 1; 2 = v}"},
+                    Case{"Object", Value::object({.className = "Ad", .fields = {}}), "Ad"}),
+    test::kCaseName);
+
+TEST(FormatTest, TheTextFormOfHeavySharingIsCut) {
+  Value value = Value::list({"leaf"});
+  for (int level = 0; level < 40; ++level) value = Value::list({value, value});
+
+  const std::string text = textForm(value);
+
+  EXPECT_LT(text.size(), 2U << 20U);
+  EXPECT_NE(text.find("..."), std::string::npos);
+}
+
+TEST(FormatTest, TheTextFormOfDeepNestingIsCut) {
+  Value value = "leaf";
+  for (int level = 0; level < 1000; ++level) value = Value::list({value});
+
+  EXPECT_EQ(textForm(value), std::string(513, '(') + "..." + std::string(513, ')'));
+}
+
+TEST(FormatTest, AnAbsentValueHasATextFormToo) {
+  EXPECT_EQ(written(appendTextForm, std::optional<Value>()), "<(null)>");
+  EXPECT_EQ(written(appendTextForm, std::optional<Value>(7)), "<7>");
+}
+
+}  // namespace
+}  // namespace tavlo

@@ -1,0 +1,49 @@
+#include <gtest/gtest.h>
+
+#include "request/UrlEncode.h"
+#include "tests/support/Python.h"
+
+namespace tavlo {
+namespace {
+
+TEST(UrlEncodeTest, AbsentStaysAbsentAndEmptyStaysEmpty) {
+  EXPECT_EQ(urlEncode(std::nullopt), std::nullopt);
+  EXPECT_EQ(urlEncode(""), "");
+}
+
+TEST(UrlEncodeTest, UnreservedCharactersStay) {
+  const std::string unreserved = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~";
+
+  EXPECT_EQ(urlEncode(unreserved), unreserved);
+}
+
+TEST(UrlEncodeTest, EverythingElseIsEscapedInUpperCase) {
+  EXPECT_EQ(urlEncode("a b&c=d+e/f?%"), "a%20b%26c%3Dd%2Be%2Ff%3F%25");
+  EXPECT_EQ(urlEncode("\xC3\xBC\xE2\x82\xAC\xF0\x9F\x98\x80"), "%C3%BC%E2%82%AC%F0%9F%98%80");
+  EXPECT_EQ(urlEncode("\xFF\x80"), "%FF%80");
+  EXPECT_EQ(urlEncode(std::string("a\0b", 3)), "a%00b");
+}
+
+TEST(UrlEncodeTest, AppendingKeepsWhatIsThere) {
+  std::string out = "q=";
+
+  appendUrlEncoded(out, "a b");
+  appendUrlEncoded(out, "");
+
+  EXPECT_EQ(out, "q=a%20b");
+}
+
+TEST(UrlEncodeTest, AgreesWithASecondImplementationOnAllBytesAndPairs) {
+  const auto lines = test::splitLines(test::runOracle("url_encode.py"));
+
+  ASSERT_EQ(lines.size(), 256U + 65536U);
+  for (const std::string& line : lines) {
+    const std::size_t tab = line.find('\t');
+    const std::string bytes = test::fromHex(line.substr(0, tab));
+    ASSERT_EQ(urlEncode(bytes), line.substr(tab + 1));
+    ASSERT_EQ(urlEncode("safe" + bytes + "safe"), "safe" + line.substr(tab + 1) + "safe");
+  }
+}
+
+}  // namespace
+}  // namespace tavlo
