@@ -27,10 +27,11 @@ extension "mp4"
 # Names that a compiler or the C++ standard library's own headers bring into a program; whatever else a room
 # needs of the outside shows up here by its name.
 RUNTIME = re.compile(r"""
-    _Z(N|T|G)?[A-Za-z]*St.* | _Z\w*St\w* | _Zn[wa]\w* | _Zd[la]\w* | _ZTVN10__cxxabiv1\w* | _ZTI\w
+    _Z(T[VIST])?N?K?S[tabsiod]\w* | _Zn[wa]\w+ | _Zd[la]\w+ | _ZTVN10__cxxabiv1\w+ | _ZTI\w
     | __cxa_\w+ | __gxx_personality_v0 | _Unwind_\w+ | __dso_handle | _GLOBAL_OFFSET_TABLE_ | __tls_get_addr
     | __stack_chk_fail | __gthrw_\w+ | __pthread_key_create | pthread_mutex_(un)?lock | __popcountdi2
-    | mem(cpy|move|set|cmp|chr) | bcmp | strlen | abort | floor | trunc
+    | __libc_single_threaded
+    | mem(cpy|move|set|cmp|chr) | bcmp | str(len|cmp) | abort | floor | trunc | fmod
     """, re.VERBOSE)
 
 
