@@ -33,6 +33,22 @@ TEST(UrlEncodeTest, AppendingKeepsWhatIsThere) {
   EXPECT_EQ(out, "q=a%20b");
 }
 
+TEST(UrlEncodeTest, TextsOfEveryLengthAreEncodedToTheirEnd) {
+  std::string expectedBlanks;
+  std::string expectedPairs;
+  for (std::size_t length = 0; length <= 300; ++length) {
+    std::string pairs;
+    for (std::size_t i = 0; i < length; ++i) pairs += "a&";
+
+    EXPECT_EQ(urlEncode(std::string(length, ' ')), expectedBlanks) << length;
+    EXPECT_EQ(urlEncode(pairs), expectedPairs) << length;
+    EXPECT_EQ(urlEncode(std::string(length, 'a') + "="), std::string(length, 'a') + "%3D") << length;
+
+    expectedBlanks += "%20";
+    expectedPairs += "a%26";
+  }
+}
+
 TEST(UrlEncodeTest, AgreesWithASecondImplementationOnAllBytesAndPairs) {
   const auto lines = test::splitLines(test::runOracle("url_encode.py"));
 
