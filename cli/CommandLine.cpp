@@ -1,0 +1,249 @@
+#include "cli/CommandLine.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <functional>
+#include <string_view>
+#include <utility>
+
+#include "cli/Errors.h"
+#include "cli/HelpTexts.h"
+
+namespace tavlo::cli {
+namespace {
+
+// The library takes "++" for the end of a subcommand and splits "[a,b]" at its commas. Texts that could be
+// either wear a mark while they pass through it.
+constexpr char kMark = '\x01';
+
+std::string marked(const std::string& argument) {
+  const bool isSpecial = argument == "++" || argument.starts_with('[') || argument.starts_with(kMark);
+  return isSpecial ? kMark + argument : argument;
+}
+
+std::string unmarked(const std::string& argument) {
+  return argument.starts_with(kMark) ? argument.substr(1) : argument;
+}
+
+std::vector<std::string> textsOf(const CLI::Option& option) {
+  std::vector<std::string> texts;
+  for (const std::string& result : option.results()) texts.push_back(unmarked(result));
+  return texts;
+}
+
+std::optional<std::string> textOf(const CLI::Option& option) {
+  return option.count() == 0 ? std::nullopt : std::optional(unmarked(option.results().front()));
+}
+
+template <class T>
+struct Named {
+  std::string_view name;
+  T value;
+};
+
+constexpr auto kIdentifierNames = std::to_array<Named<Identifier>>({
+    {"app", Identifier::app},
+    {"optional", Identifier::optional},
+    {"security", Identifier::security},
+    {"ApplicationId", Identifier::app},
+    {"OptionalId", Identifier::optional},
+    {"SecurityKey", Identifier::security},
+});
+constexpr auto kFormatNames = std::to_array<Named<ContractFormat>>(
+    {{"table", ContractFormat::table}, {"json", ContractFormat::json}, {"markdown", ContractFormat::markdown}});
+constexpr auto kColorNames =
+    std::to_array<Named<Color>>({{"auto", Color::automatic}, {"always", Color::always}, {"never", Color::never}});
+
+// What the name stands for among the rows, each of which has a `name`.
+template <class Rows>
+const auto& named(const Rows& rows, const std::string& name, const std::string& what) {
+  const auto found = std::find_if(rows.begin(), rows.end(), [&](const auto& row) { return row.name == name; });
+  if (found != rows.end()) return *found;
+  std::string names;
+  for (const auto& row : rows) names += (names.empty() ? "" : ", ") + std::string(row.name);
+  throw UsageError(what + " \"" + name + "\" is none of " + names);
+}
+
+std::int64_t countOf(const std::string& text) {
+  std::int64_t count = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), count);
+  if (error == std::errc() && end == text.data() + text.size() && count >= 1) return count;
+  throw UsageError("COUNT \"" + text + "\" is no integer from 1 to 9223372036854775807");
+}
+
+// The program's commands and options, and what each means once the arguments are read.
+class Parser {
+ public:
+  Parser() : root_(help::kProgram, "tavlo") {
+    root_.footer(help::kProgramFooter);
+    root_.require_subcommand(1);
+    root_.set_version_flag("--version", "tavlo " TAVLO_VERSION, "Print the version and exit");
+    addGlobals();
+    addRequest();
+    addIdentifiers();
+    addTexts();
+    addContract();
+    addEvents();
+    addMaker(addCommand(root_, "use", help::kUse, help::kUseFooter), [] { return RecordUse{}; });
+    addMaker(addCommand(root_, "demo", help::kDemo, help::kDemoFooter), [] { return Demo{}; });
+  }
+
+  Invocation parse(std::span<const std::string> arguments) {
+    std::vector<std::string> reversed;  // as the library wants them
+    std::transform(arguments.rbegin(), arguments.rend(), std::back_inserter(reversed), marked);
+    try {
+      root_.parse(std::move(reversed));
+    } catch (const CLI::CallForHelp&) {
+      return {.globals = {}, .command = Help{root_.help()}};
+    } catch (const CLI::CallForVersion& version) {
+      return {.globals = {}, .command = Help{version.what() + std::string("\n")}};
+    } catch (const CLI::ParseError& error) {
+      std::string message = error.what();
+      std::erase(message, kMark);
+      throw UsageError(message);
+    }
+    return {.globals = globals(), .command = command()};
+  }
+
+ private:
+  static CLI::App& addCommand(CLI::App& parent, const char* name, const char* description, const char* footer) {
+    CLI::App& command = *parent.add_subcommand(name, description);
+    command.fallthrough();  // global options after it
+    command.footer(footer);
+    return command;
+  }
+
+  static CLI::Option& addArgument(CLI::App& command, const char* name, const std::string& description) {
+    return *command.add_option(name, description)->required();
+  }
+
+  void addMaker(CLI::App& command, std::function<Command()> make) { makers_.emplace_back(&command, std::move(make)); }
+
+  void addGlobals() {
+    container_ = root_.add_option("--container", "Where everything that is kept lies")->type_name("DIR");
+    domain_ = root_.add_option("--domain", "The settings' name in it, tavlo when not given")->type_name("NAME");
+    color_ = root_.add_option("--color", "auto (only on a terminal), always or never")->type_name("WHEN");
+    root_.add_flag("--quiet", quiet_, "No notes and no console lines; errors stay");
+    root_.add_flag("--json", json_, "Answers as JSON");
+  }
+
+  void addRequest() {
+    CLI::App& command = addCommand(root_, "request", help::kRequest, help::kRequestFooter);
+    const CLI::Option& name = addArgument(command, "NAME", "ad, in-app, user or tracker");
+    const CLI::Option* session =
+        command.add_option("--session", "A session file, - for standard input")->type_name("FILE");
+    const CLI::Option* pretty = command.add_flag("--pretty")->description("A table that explains each value");
+    addMaker(command, [&name, session, pretty] {
+      return MakeRequest{.contract = &named(kContracts, *textOf(name), "the request"),
+                         .session = textOf(*session),
+                         .pretty = pretty->count() > 0};
+    });
+  }
+
+  void addIdentifiers() {
+    CLI::App& id = addCommand(root_, "id", help::kId, help::kIdFooter);
+    id.require_subcommand(1);
+
+    CLI::App& get = addCommand(id, "get", help::kIdGet, help::kIdGetFooter);
+    const CLI::Option& read = addArgument(get, "KEY", "app, optional or security");
+    const CLI::Option* reveal = get.add_flag("--reveal")->description("The security key as it is, not masked");
+    addMaker(get, [&read, reveal] {
+      return GetIdentifier{.identifier = identifierOf(read), .reveal = reveal->count() > 0};
+    });
+
+    CLI::App& set = addCommand(id, "set", help::kIdSet, help::kIdSetFooter);
+    const CLI::Option& written = addArgument(set, "KEY", "app, optional or security");
+    const CLI::Option& value = addArgument(set, "VALUE", "Any text but an empty one");
+    addMaker(set, [&written, &value] {
+      return SetIdentifier{.identifier = identifierOf(written), .value = *textOf(value)};
+    });
+
+    CLI::App& show = addCommand(id, "show", help::kIdShow, help::kIdShowFooter);
+    const CLI::Option* revealAll = show.add_flag("--reveal")->description("The security key as it is, not masked");
+    addMaker(show, [revealAll] { return ShowIdentifiers{.reveal = revealAll->count() > 0}; });
+  }
+
+  static Identifier identifierOf(const CLI::Option& key) {
+    return named(kIdentifierNames, *textOf(key), "the key").value;
+  }
+
+  void addTexts() {
+    struct Row {
+      TextOperationName operation;
+      const char* name;
+      const char* description;
+      const char* footer;
+    };
+    constexpr auto kRows = std::to_array<Row>({
+        {TextOperationName::md5, "md5", help::kMd5, help::kMd5Footer},
+        {TextOperationName::extension, "extension", help::kExtension, help::kExtensionFooter},
+        {TextOperationName::encode, "encode", help::kEncode, help::kEncodeFooter},
+    });
+    for (const Row& row : kRows) {
+      CLI::App& command = addCommand(root_, row.name, row.description, row.footer);
+      const CLI::Option* texts = command.add_option("TEXT", "None: the lines of standard input")
+                                     ->expected(1, CLI::detail::expected_max_vector_size)
+                                     ->allow_extra_args();
+      addMaker(command, [operation = row.operation, texts] {
+        return TransformTexts{.operation = operation, .texts = textsOf(*texts)};
+      });
+    }
+  }
+
+  void addContract() {
+    CLI::App& command = addCommand(root_, "contract", help::kContract, help::kContractFooter);
+    const CLI::Option* name = command.add_option("NAME", "ad, in-app, user or tracker");
+    const CLI::Option* format = command.add_option("--format", "table, json or markdown")->type_name("FORMAT");
+    addMaker(command, [name, format] {
+      PrintContract print;
+      if (const auto text = textOf(*name)) print.contract = &named(kContracts, *text, "the request");
+      if (const auto text = textOf(*format)) print.format = named(kFormatNames, *text, "the format").value;
+      return print;
+    });
+  }
+
+  void addEvents() {
+    CLI::App& event = addCommand(root_, "event", help::kEvent, help::kEventFooter);
+    event.require_subcommand(1);
+    CLI::App& add = addCommand(event, "add", help::kEventAdd, help::kEventAddFooter);
+    const CLI::Option& networkID = addArgument(add, "NETWORK", "The network's id");
+    const CLI::Option& eventName = addArgument(add, "EVENT", "What happened");
+    const CLI::Option* count = add.add_option("COUNT", "How often, 1 when not given");
+    addMaker(add, [&networkID, &eventName, count] {
+      AddEvent request{.networkID = *textOf(networkID), .event = *textOf(eventName)};
+      if (const auto text = textOf(*count)) request.count = countOf(*text);
+      return request;
+    });
+    addMaker(addCommand(event, "list", help::kEventList, help::kEventListFooter), [] { return ListEvents{}; });
+    addMaker(addCommand(event, "clear", help::kEventClear, help::kEventClearFooter), [] { return ClearEvents{}; });
+  }
+
+  [[nodiscard]] Globals globals() const {
+    Globals globals{.container = textOf(*container_), .quiet = quiet_, .json = json_};
+    if (const auto domain = textOf(*domain_)) globals.domain = *domain;
+    if (const auto color = textOf(*color_)) globals.color = named(kColorNames, *color, "the colour").value;
+    return globals;
+  }
+
+  [[nodiscard]] Command command() const {
+    const auto isAsked = [](const auto& maker) { return maker.first->parsed(); };
+    return std::find_if(makers_.begin(), makers_.end(), isAsked)->second();
+  }
+
+  CLI::App root_;
+  CLI::Option* container_ = nullptr;
+  CLI::Option* domain_ = nullptr;
+  CLI::Option* color_ = nullptr;
+  bool quiet_ = false;
+  bool json_ = false;
+  std::vector<std::pair<const CLI::App*, std::function<Command()>>> makers_;
+};
+
+}  // namespace
+
+Invocation parseCommandLine(std::span<const std::string> arguments) { return Parser().parse(arguments); }
+
+}  // namespace tavlo::cli

@@ -1,0 +1,83 @@
+// CommandLine: what the arguments of the program ask for, as plain values.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "cli/Output.h"
+#include "request/Contracts.h"
+
+namespace tavlo::cli {
+
+struct Globals {
+  std::optional<std::string> container;
+  std::string domain = "tavlo";
+  bool quiet = false;
+  bool json = false;
+  Color color = Color::automatic;
+};
+
+struct Help {
+  std::string text;  // what --help or --version prints
+};
+
+struct MakeRequest {
+  const Contract* contract = nullptr;
+  std::optional<std::string> session;  // a path, or "-"
+  bool pretty = false;
+};
+
+enum class Identifier : std::uint8_t { app, optional, security };
+
+struct GetIdentifier {
+  Identifier identifier;
+  bool reveal = false;
+};
+struct SetIdentifier {
+  Identifier identifier;
+  std::string value;
+};
+struct ShowIdentifiers {
+  bool reveal = false;
+};
+
+enum class TextOperationName : std::uint8_t { md5, extension, encode };
+
+struct TransformTexts {
+  TextOperationName operation;
+  std::vector<std::string> texts;  // none: the lines of standard input
+};
+
+enum class ContractFormat : std::uint8_t { table, json, markdown };
+
+struct PrintContract {
+  const Contract* contract = nullptr;  // nullptr: all of them
+  std::optional<ContractFormat> format;
+};
+
+struct AddEvent {
+  std::string networkID;
+  std::string event;
+  std::int64_t count = 1;
+};
+struct ListEvents {};
+struct ClearEvents {};
+struct RecordUse {};
+struct Demo {};
+
+using Command = std::variant<Help, MakeRequest, GetIdentifier, SetIdentifier, ShowIdentifiers, TransformTexts,
+                             PrintContract, AddEvent, ListEvents, ClearEvents, RecordUse, Demo>;
+
+struct Invocation {
+  Globals globals;
+  Command command;
+};
+
+// `arguments` are those after the program's name. Throws UsageError.
+[[nodiscard]] Invocation parseCommandLine(std::span<const std::string> arguments);
+
+}  // namespace tavlo::cli

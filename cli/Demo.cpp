@@ -1,0 +1,153 @@
+// demo: the component at work on the example session, each step with what it shows and a check.
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "TavloUtility.h"
+#include "cli/Commands.h"
+#include "cli/Errors.h"
+#include "cli/ExampleSession.h"
+#include "cli/Json.h"
+#include "cli/Place.h"
+#include "cli/Requests.h"
+#include "cli/SessionFile.h"
+#include "cli/WorkFolder.h"
+
+namespace tavlo::cli {
+namespace {
+
+// Keeps console lines, so that the demo can show them where they belong.
+class CollectingPlatform final : public platform::Platform, public platform::Console {
+ public:
+  platform::Console& console() override { return *this; }
+  void log(std::string_view message) override { lines_.emplace_back(message); }
+  [[nodiscard]] std::vector<std::string> take() { return std::exchange(lines_, {}); }
+
+ private:
+  std::vector<std::string> lines_;
+};
+
+// What the demo tells: text for people, or one JSON object at the end.
+class Report {
+ public:
+  explicit Report(const Run& run) : run_(run) {}
+
+  void say(const std::string& text) {
+    if (!run_.globals.json) run_.output.answerLine(text);
+  }
+  void title(const std::string& text) { say("\n== " + text); }
+  void table(const std::vector<ExplainedPair>& pairs) {
+    if (!run_.globals.json) run_.output.answer(explanationTable(pairs, run_.output.tableLook()));
+  }
+  void request(const Contract& contract, const std::string& text) {
+    say("\n" + text);
+    requests_.append(contract.name, text);
+  }
+  void check(const std::string& claim, bool holds) {
+    say((holds ? "ok      " : "FAILED  ") + claim);
+    checks_.push_back(Value::map({{"claim", claim}, {"holds", holds}}));
+    if (!holds) ++failed_;
+  }
+
+  void finish() {
+    const std::string count = std::to_string(checks_.size());
+    if (failed_ == 0) say("\nAll " + count + " checks hold.");
+    if (run_.globals.json) {
+      run_.output.answerLine(toJson(
+          Value::map({{"requests", Value::map(std::move(requests_))}, {"checks", Value::list(std::move(checks_))}})));
+    }
+    if (failed_ > 0) {
+      throw Failure(std::to_string(failed_) + " of " + count + " checks of the demo failed; see FAILED in its output");
+    }
+  }
+
+ private:
+  const Run& run_;
+  ValueMap requests_;
+  ValueList checks_;
+  std::size_t failed_ = 0;
+};
+
+// The request put together from its explained pairs, which each were read and rendered alone.
+std::string joined(const Contract& contract, const std::vector<ExplainedPair>& pairs) {
+  if (contract.form == Form::map) {
+    ValueMap map;
+    for (const auto& [pair, raw, sent] : pairs) map.append(pair->key, sent);
+    return toJson(Value::map(std::move(map)));
+  }
+  std::string text;
+  for (const auto& [pair, raw, sent] : pairs) {
+    if (contract.form == Form::appended || !text.empty()) text += '&';
+    text += std::string(pair->key) + "=" + *sent.ifText();
+  }
+  return text;
+}
+
+void showRequests(Report& report) {
+  const auto outside = std::make_shared<CollectingPlatform>();
+  install(parseSession(kExampleSession, "examples/session.json"), outside);
+  for (const Contract& contract : kContracts) {
+    report.title(std::string(contract.title) + ": tavlo request " + std::string(contract.name));
+    const auto pairs = explainRequest(contract);
+    static_cast<void>(outside->take());  // shown below, for the request itself
+    report.table(pairs);
+    const std::string text = requestText(contract);
+    for (const std::string& line : outside->take()) report.say("on the console: " + harmless(line));
+    report.request(contract, text);
+    report.say("");
+    report.check("the request has its " + std::to_string(pairs.size()) + " pairs in order",
+                 text == joined(contract, pairs));
+  }
+}
+
+void showEmptySession(Report& report) {
+  report.title("An empty session: every key is sent, absent texts as (null)");
+  install(parseSession("{}", "{}"), std::make_shared<CollectingPlatform>());
+  report.check("the ad request has 737 characters", requestText(kAdRequestContract).size() == 737);
+  report.check("the in-app request has 443 characters", requestText(kInAppContract).size() == 443);
+}
+
+void showIdentifiers(Report& report, const Place& place) {
+  report.title("Identifiers: stored, and read back as after a restart");
+  platform::install(place.makePlatform());
+  TavloUtility::setAppIdToUserDefault("com.example.kino");
+  TavloUtility::setOptionalIdToUserDefault("Zoë & Co");
+  TavloUtility::setSecurityKeyToUserDefault("s3cr3t/key==");
+  report.say("stored in " + harmless(place.settingsFile().string()));
+
+  platform::install(place.makePlatform());
+  report.check("ApplicationId is com.example.kino", TavloUtility::getAppIdFromUserDefault() == "com.example.kino");
+  report.check("OptionalId is Zoë & Co", TavloUtility::getOptionalIdFromUserDefault() == "Zoë & Co");
+  report.check("SecurityKey came back whole", TavloUtility::getSecurityKeyTFromUserDefault() == "s3cr3t/key==");
+  TavloUtility::setOptionalIdToUserDefault("");
+  report.check("an empty OptionalId is ignored", TavloUtility::getOptionalIdFromUserDefault() == "Zoë & Co");
+}
+
+void showTexts(Report& report) {
+  constexpr const char* kUrl = "https://cdn.example.com/v/clip%2Emp4?session=1#t=10";
+  report.title("The name of a cached file: the digest of its URL, and the extension of its path");
+  report.say(kUrl);
+  const Text digest = TavloUtility::md5(Value(kUrl));
+  const Text extension = TavloUtility::getFileExtensionFromUrl(kUrl);
+  report.check("the digest is 4828df395932d31dff786754697e84a9", digest == "4828df395932d31dff786754697e84a9");
+  report.check("the extension is mp4", extension == "mp4");
+}
+
+}  // namespace
+
+void execute(const Demo& /*command*/, const Run& run) {
+  std::optional<WorkFolder> temporary;
+  Globals globals = run.globals;
+  globals.domain = "tavlo-demo";
+  if (!globals.container) globals.container = temporary.emplace().path();
+
+  Report report(run);
+  showRequests(report);
+  showEmptySession(report);
+  showIdentifiers(report, Place(globals));
+  showTexts(report);
+  platform::install(nullptr);
+  report.finish();
+}
+
+}  // namespace tavlo::cli

@@ -1,0 +1,39 @@
+// Place: the container that a run of the program works in, and what is stored there.
+//
+// Throws   UsageError for a container or a domain that is no usable name, Failure when nothing names a folder.
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include "cli/CommandLine.h"
+#include "host/Database.h"
+#include "platform/Platform.h"
+#include "platform/linux/Container.h"
+
+namespace tavlo::cli {
+
+class Place {
+ public:
+  // --container, else $TAVLO_CONTAINER, else the domain's folder among the user's data.
+  explicit Place(const Globals& globals);
+
+  [[nodiscard]] std::filesystem::path folder() const { return container_.folder(); }
+  [[nodiscard]] std::filesystem::path settingsFile() const { return container_.settingsFile(); }
+
+  // A platform of the container, as a program that starts anew has it.
+  [[nodiscard]] std::shared_ptr<platform::Platform> makePlatform() const;
+
+  // The host's database, made when it is missing. Throws host::DatabaseError.
+  [[nodiscard]] std::shared_ptr<host::Database> openDatabase() const;
+
+  // The same, but nullptr instead of making anything.
+  [[nodiscard]] std::shared_ptr<host::Database> openExistingDatabase() const;
+
+ private:
+  bool quiet_;
+  linux_platform::Container container_;
+};
+
+}  // namespace tavlo::cli
