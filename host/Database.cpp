@@ -11,6 +11,7 @@
 #include <new>
 #include <string>
 #include <system_error>
+#include <utility>
 
 #include "common/IntValue.h"
 
@@ -137,7 +138,7 @@ Value valueOf(sqlite3_stmt* statement, int column) {
 
 class Database::Connection {
  public:
-  Connection(const fs::path& file, DatabaseOptions options) : file_(file) {
+  Connection(fs::path file, DatabaseOptions options) : file_(std::move(file)) {
     makeFile(file_);
     sqlite3* handle = nullptr;
     const int code = sqlite3_open_v2(reinterpret_cast<const char*>(file_.u8string().c_str()), &handle,
@@ -235,7 +236,6 @@ Database::Rows Database::run(const char* statement, const Row& parameters) {
 
 Database::Transaction::Transaction(Database& database) : database_(database), lock_(database.mutex_) {
   database_.connection_->run("BEGIN IMMEDIATE");
-  open_ = true;
 }
 
 Database::Transaction::~Transaction() {

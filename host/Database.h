@@ -66,7 +66,7 @@ class Database {
    private:
     Database& database_;
     const std::lock_guard<std::mutex> lock_;
-    bool open_ = false;
+    bool open_ = true;
   };
 
  private:

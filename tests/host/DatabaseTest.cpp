@@ -177,7 +177,7 @@ TEST_F(DatabaseTest, AFailedStatementDoesNotEndItsTransaction) {
   EXPECT_THAT(database.run(kDays), ElementsAre(ElementsAre(Value(1))));
 }
 
-TEST_F(DatabaseTest, ManyMayOpenANewFileAtOnce) {
+TEST_F(DatabaseTest, ThreadsMayOpenANewFileAtOnce) {
   constexpr int kThreads = 16;
   std::vector<std::jthread> threads;
 

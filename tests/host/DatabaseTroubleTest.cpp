@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "host/Database.h"
+#include "tests/host/FileSizeLimit.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace tavlo::host {
@@ -154,7 +155,7 @@ TEST_F(DatabaseTrouble, AnOpenerThatFindsItLockedSaysSo) {
   EXPECT_EQ(errorOf([&] { Database(file, kImpatient); }), lockedMessage(file));
 }
 
-TEST_F(DatabaseTrouble, AnotherWriterIsWaitedFor) {
+TEST_F(DatabaseTrouble, AWritingThreadIsWaitedFor) {
   Database first(file);
   Database second(file, {.busyTimeout = std::chrono::hours(24 * 365)});
   Database third(file, {.busyTimeout = 0ms});
@@ -170,6 +171,38 @@ TEST_F(DatabaseTrouble, AnotherWriterIsWaitedFor) {
   waiting.join();
 
   EXPECT_THAT(third.run("SELECT day FROM used_day"), ElementsAre(ElementsAre(Value(1)), ElementsAre(Value(2))));
+}
+
+TEST_F(DatabaseTrouble, ADiskThatFailsIsAnErrorAndWhatWasStoredStays) {
+  makeDatabase();
+  Database database(file);
+  {
+    const test::FileSizeLimit limit(1);
+    EXPECT_EQ(errorOf([&] { database.run("INSERT INTO used_day (day) VALUES (1000)"); }),
+              "the database " + file.string() + " cannot be read or written: check its disk (disk I/O error)");
+  }
+
+  database.run("INSERT INTO used_day (day) VALUES (2000)");
+
+  EXPECT_THAT(database.run("SELECT count(*), max(day) FROM used_day"),
+              ElementsAre(ElementsAre(Value(201), Value(2000))));
+}
+
+TEST_F(DatabaseTrouble, AFileThatCannotGrowIsAnErrorAndItsTransactionIsUndone) {
+  makeDatabase();
+  Database database(file);
+  database.run("PRAGMA max_page_count = 1");
+  const std::string huge(100000, 'x');
+
+  EXPECT_EQ(errorOf([&] {
+              Database::Transaction transaction(database);
+              transaction.run("INSERT INTO used_day (day) VALUES (1000)");
+              transaction.run("INSERT INTO tracker_event (network_id, event, count) VALUES (?1, 'e', 1)", {huge});
+              transaction.commit();
+            }),
+            "the database " + file.string() + " cannot grow: free some space on its disk (database or disk is full)");
+
+  EXPECT_THAT(database.run("SELECT max(day) FROM used_day"), ElementsAre(ElementsAre(Value(199))));
 }
 
 // Permissions do not hold the superuser back, so the test acts as somebody else.

@@ -1,20 +1,13 @@
-#include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <algorithm>
-#include <csignal>
 #include <functional>
 #include <stdexcept>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "host/LogFileWriter.h"
-#include "tests/host/Times.h"
-#include "tests/support/Python.h"
-#include "tests/support/TemporaryFolder.h"
+#include "tests/host/FileSizeLimit.h"
+#include "tests/host/LogFileWriterFixture.h"
 
 namespace tavlo::host {
 namespace {
@@ -22,25 +15,7 @@ namespace {
 namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 using test::at;
-using testing::ElementsAre;
 using testing::SizeIs;
-
-constexpr auto kHalfPastNine = 9h + 30min + 123ms;
-const std::string kStamp = "2026-11-21T09:30:00.123Z ";
-
-class LogFileWriterTest : public testing::Test {
- protected:
-  void SetUp() override { clock.now = at(2026, 11, 21, kHalfPastNine); }
-
-  void makeDirectory() const { fs::create_directory(directory); }
-  [[nodiscard]] std::vector<std::string> lines() const { return test::splitLines(test::readFile(file)); }
-
-  const test::TemporaryFolder documents;
-  const fs::path directory = documents / "TavloCache";
-  const fs::path file = directory / "TavloLogFile.txt";
-  test::ManualClock clock;
-  LogFileWriter writer{documents.path(), clock.clock()};
-};
 
 TEST_F(LogFileWriterTest, AppendsOneStampedLineAMessage) {
   makeDirectory();
@@ -215,123 +190,17 @@ INSTANTIATE_TEST_SUITE_P(
                              [](const fs::path& path) { fs::create_symlink("../elsewhere.txt", path); }}),
     [](const auto& row) { return row.param.name; });
 
-// Files of this process cannot grow beyond a size, as on a full disk.
-class FileSizeLimit {
- public:
-  explicit FileSizeLimit(rlim_t size) {
-    ::getrlimit(RLIMIT_FSIZE, &before_);
-    const rlimit limit{.rlim_cur = size, .rlim_max = before_.rlim_max};
-    handler_ = std::signal(SIGXFSZ, SIG_IGN);
-    ::setrlimit(RLIMIT_FSIZE, &limit);
-  }
-  FileSizeLimit(const FileSizeLimit&) = delete;
-  FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-  ~FileSizeLimit() {
-    ::setrlimit(RLIMIT_FSIZE, &before_);
-    std::signal(SIGXFSZ, handler_);
-  }
-
- private:
-  rlimit before_{};
-  void (*handler_)(int) = SIG_DFL;
-};
-
 TEST_F(LogFileWriterTest, ALineThatAFullDiskCutShortDoesNotSpoilTheNext) {
   makeDirectory();
   writer.writeLine("one");
   {
-    const FileSizeLimit limit(35);
+    const test::FileSizeLimit limit(35);
     writer.writeLine("two");
   }
 
   writer.writeLine("three");
 
   EXPECT_EQ(test::readFile(file), kStamp + "one\n" + "2026-1\n" + kStamp + "(lines dropped: 1)\n" + kStamp + "three\n");
-}
-
-std::string selfCheckingMessage(int writer, int number) {
-  return std::to_string(writer) + ":" + std::to_string(number) + ":" +
-         std::string(static_cast<std::size_t>(number % 50) * 97, static_cast<char>('a' + writer));
-}
-
-std::vector<std::string> selfCheckingLines(int writers, int each) {
-  std::vector<std::string> all;
-  for (int writer = 0; writer < writers; ++writer) {
-    for (int i = 0; i < each; ++i) all.push_back(kStamp + selfCheckingMessage(writer, i));
-  }
-  return all;
-}
-
-TEST_F(LogFileWriterTest, LinesOfSeveralProcessesDoNotMix) {
-  constexpr int kProcesses = 4;
-  constexpr int kLines = 300;
-  makeDirectory();
-  std::vector<pid_t> children;
-
-  for (int process = 0; process < kProcesses; ++process) {
-    const pid_t child = ::fork();
-    ASSERT_GE(child, 0);
-    if (child == 0) {
-      for (int i = 0; i < kLines; ++i) writer.writeLine(selfCheckingMessage(process, i));
-      ::_exit(0);
-    }
-    children.push_back(child);
-  }
-  for (const pid_t child : children) ::waitpid(child, nullptr, 0);
-
-  EXPECT_THAT(lines(), testing::UnorderedElementsAreArray(selfCheckingLines(kProcesses, kLines)));
-}
-
-TEST_F(LogFileWriterTest, ThreadsLoseNoLineWhileTheDirectoryComesAndGoes) {
-  constexpr int kThreads = 8;
-  constexpr int kLines = 25;
-  constexpr int kMoves = 50;
-  std::vector<std::jthread> threads;
-
-  for (int thread = 0; thread < kThreads; ++thread) {
-    threads.emplace_back([this, thread] {
-      for (int i = 0; i < kLines; ++i) writer.writeLine(selfCheckingMessage(thread, i % 3));
-    });
-  }
-  for (int move = 0; move < kMoves; ++move) {
-    makeDirectory();
-    std::this_thread::yield();
-    fs::rename(directory, documents / ("moved-" + std::to_string(move)));
-  }
-  threads.clear();
-  makeDirectory();
-  writer.writeLine("end");
-
-  std::vector<std::string> written;
-  for (const auto& entry : fs::recursive_directory_iterator(documents.path())) {
-    for (std::string& line : test::splitLines(test::readFile(entry.path()))) written.push_back(std::move(line));
-  }
-  std::vector<std::string> expected = {kStamp + "end"};
-  for (int thread = 0; thread < kThreads; ++thread) {
-    for (int i = 0; i < kLines; ++i) expected.push_back(kStamp + selfCheckingMessage(thread, i % 3));
-  }
-  std::sort(written.begin(), written.end());
-  std::sort(expected.begin(), expected.end());
-  EXPECT_EQ(written, expected);
-}
-
-TEST_F(LogFileWriterTest, LinesOfOneThreadKeepTheirOrder) {
-  makeDirectory();
-  std::vector<std::jthread> threads;
-
-  for (int thread = 0; thread < 4; ++thread) {
-    threads.emplace_back([this, thread] {
-      for (int i = 0; i < 100; ++i) writer.writeLine(std::to_string(thread) + " " + std::to_string(i));
-    });
-  }
-  threads.clear();
-
-  std::vector<int> next(4, 0);
-  for (const std::string& line : lines()) {
-    const auto thread = static_cast<std::size_t>(line.at(kStamp.size()) - '0');
-    EXPECT_EQ(line, kStamp + std::to_string(thread) + " " + std::to_string(next.at(thread)++));
-  }
-  EXPECT_THAT(next, ElementsAre(100, 100, 100, 100));
 }
 
 }  // namespace

@@ -120,7 +120,7 @@ bool allIsWhole(const SessionRecord& record) {
          (resolution == 0 || resolution == 0x11111111 || resolution == 0x22222222) && preRoll >= 0 && preRoll <= 2;
 }
 
-TEST(SessionRecord, ReadersAmongManyWritersGetWholeValues) {
+TEST(SessionRecord, ThreadsReadWholeValuesWhileOthersWrite) {
   constexpr unsigned kThreads = 64;
   constexpr unsigned kRounds = 200;
   SessionRecord record;

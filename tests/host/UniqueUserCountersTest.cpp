@@ -172,7 +172,7 @@ TEST_F(UniqueUserCountersTest, TheComponentReadsTheInstalledCounters) {
   TavloUniqueUserHandler::install(nullptr);
 }
 
-TEST_F(UniqueUserCountersTest, OfManyFirstUsesAtOnceOneCounts) {
+TEST_F(UniqueUserCountersTest, OneOfManyThreadsIsTheFirstUse) {
   constexpr int kThreads = 8;
   clock.now = at(2026, 11, 16);
   std::atomic<int> newUsers = 0;
@@ -191,7 +191,7 @@ TEST_F(UniqueUserCountersTest, OfManyFirstUsesAtOnceOneCounts) {
   EXPECT_THAT(database->run("SELECT count(*) FROM used_day"), ElementsAre(ElementsAre(Value(1))));
 }
 
-TEST_F(UniqueUserCountersTest, ReadersAmongWritersGetTheStateOfOneUse) {
+TEST_F(UniqueUserCountersTest, ThreadsReadWhatOthersRecorded) {
   std::vector<std::jthread> threads;
 
   for (int thread = 0; thread < 4; ++thread) {
