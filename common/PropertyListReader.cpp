@@ -50,6 +50,7 @@ class Reader {
     unsigned form = 0;
     unsigned low = 0;  // the marker's lower half
     std::size_t begin = 0;
+    std::size_t limit = 0;  // where the offset table or the trailer begins
     std::size_t contents = 0;
     std::size_t count = 0;
     std::size_t unit = 1;
@@ -191,13 +192,15 @@ bool Reader::close(const Frame& frame) {
 
 bool Reader::findExtent(std::size_t number, Extent& extent) {
   const std::uint64_t begin = bigEndian(bytes_.substr(table_ + (number * offsetSize_), offsetSize_));
-  if (begin < kHeader.size() || begin >= end()) {
+  const std::size_t tableEnd = table_ + (objects_.size() * offsetSize_);
+  if (begin < kHeader.size() || (begin >= table_ && begin < tableEnd) || begin >= end()) {
     return fail("object " + std::to_string(number) + ": no object begins at byte " + std::to_string(begin));
   }
   extent.begin = static_cast<std::size_t>(begin);
+  extent.limit = begin < table_ ? table_ : end();
   extent.contents = extent.begin + 1;
   if (!shape(number, extent)) return false;
-  if (extent.count > (end() - extent.contents) / extent.unit) {
+  if (extent.count > (extent.limit - extent.contents) / extent.unit) {
     return fail(number, extent, "its contents reach beyond the end");
   }
   // Each is read once, so objects that do not lie over one another never sum up to more than the input.
@@ -233,7 +236,7 @@ bool Reader::shape(std::size_t number, Extent& extent) {
 bool Reader::readLength(std::size_t number, Extent& extent) {
   extent.count = extent.low;
   if (extent.low != kLongLength) return true;
-  const std::size_t left = end() - extent.contents;
+  const std::size_t left = extent.limit - extent.contents;
   const unsigned marker = left > 0 ? static_cast<unsigned char>(bytes_[extent.contents]) : 0U;
   if (marker < 0x10 || marker > 0x13) return fail(number, extent, "its length is no integer");
   const std::size_t size = std::size_t{1} << (marker & 0xFU);

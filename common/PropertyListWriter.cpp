@@ -19,7 +19,9 @@ std::size_t byteCount(std::uint64_t number) {
   return std::max<std::size_t>(1, (static_cast<std::size_t>(std::bit_width(number)) + 7) / 8);
 }
 
-void appendMarker(std::string& out, unsigned form, unsigned low) { out.push_back(static_cast<char>((form << 4U) | low)); }
+void appendMarker(std::string& out, unsigned form, unsigned low) {
+  out.push_back(static_cast<char>((form << 4U) | low));
+}
 
 // One, two and four bytes are read as unsigned, eight and sixteen as signed.
 void appendInteger(std::string& out, const Integer& integer) {
