@@ -39,7 +39,7 @@ class Temporary {
     errno = error;
   }
 
-  explicit operator bool() const { return static_cast<bool>(file_); }
+  explicit operator bool() const { return file_ && !failed_; }
 
   [[nodiscard]] bool write(std::string_view bytes) {
     return writeAll(syscalls_, file_.get(), bytes) && syscalls_.fsync(file_.get()) == 0;
@@ -56,22 +56,20 @@ class Temporary {
   bool take(const std::filesystem::path& path) {
     FileDescriptor file = openFile(syscalls_, path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, 0600);
     if (!file) return errno == EEXIST;
-    if (!tryLock(syscalls_, file.get())) {
-      if (errno == EWOULDBLOCK) return true;
-      const int error = errno;
-      removeFile(syscalls_, path);
-      errno = error;
-      return false;
-    }
-    if (!isNamed(syscalls_, file.get(), path)) return true;
+    const bool locked = tryLock(syscalls_, file.get());
+    if (!locked && errno == EWOULDBLOCK) return true;
+    const auto links = locked ? linkCount(syscalls_, file.get()) : std::nullopt;
+    if (links == nlink_t{0}) return true;
     path_ = path;
     file_ = std::move(file);
+    failed_ = !links;
     return true;
   }
 
   Syscalls& syscalls_;
   std::filesystem::path path_;
   FileDescriptor file_;
+  bool failed_ = false;  // it could not be locked, or not looked at
   bool renamed_ = false;
 };
 

@@ -1,5 +1,7 @@
 #include "platform/linux/Container.h"
 
+#include <fcntl.h>
+
 #include <stdexcept>
 #include <string_view>
 #include <system_error>
@@ -72,10 +74,13 @@ bool make(Syscalls& syscalls, const fs::path& folder, Container::Durable durable
     if (!make(syscalls, folder.parent_path(), Container::Durable::all)) return false;
     made = tryToMake();
   }
-  if (made) return syncFolder(syscalls, folder.parent_path());
-  if (errno != EEXIST || !isFolder(syscalls, folder)) return false;
-  if (durable == Container::Durable::fresh || syncFolder(syscalls, folder.parent_path())) return true;
-  return errno == EACCES;  // the folder above cannot be read, so that it is another's and was there long before
+  if (!made) {
+    if (errno != EEXIST || !isFolder(syscalls, folder)) return false;
+    if (durable == Container::Durable::fresh) return true;
+  }
+  const FileDescriptor above = openFile(syscalls, folder.parent_path(), O_RDONLY | O_DIRECTORY);
+  if (!above) return !made && errno == EACCES;  // the folder above is another's, and so are the names in it
+  return syscalls.fsync(above.get()) == 0;
 }
 
 }  // namespace

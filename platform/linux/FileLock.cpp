@@ -15,10 +15,14 @@ FileLock::FileLock(Syscalls& syscalls, const std::filesystem::path& path,
   for (steady_clock::duration pause = std::chrono::microseconds(250);; pause = std::min(2 * pause, kLongestPause)) {
     FileDescriptor file = openFile(syscalls, path, O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK, 0600);
     if (!file) return;
-    if (!tryLock(syscalls, file.get())) {
-      if (errno != EWOULDBLOCK) return;
-    } else if (isNamed(syscalls, file.get(), path)) {  // else somebody removed it: others lock the new one
-      file_ = std::move(file);
+    if (tryLock(syscalls, file.get())) {
+      const auto links = linkCount(syscalls, file.get());
+      if (links != nlink_t{0}) {
+        if (links) file_ = std::move(file);
+        return;
+      }
+      // Somebody removed the file, and others lock the one that is made next.
+    } else if (errno != EWOULDBLOCK) {
       return;
     }
     const auto now = syscalls.steadyNow();

@@ -46,6 +46,12 @@ bool tryLock(Syscalls& syscalls, int fd) {
   return uninterrupted([&] { return syscalls.flock(fd, LOCK_EX | LOCK_NB); }) == 0;
 }
 
+std::optional<nlink_t> linkCount(Syscalls& syscalls, int fd) {
+  struct stat status {};
+  if (uninterrupted([&] { return syscalls.fstat(fd, &status); }) != 0) return std::nullopt;
+  return status.st_nlink;
+}
+
 bool isNamed(Syscalls& syscalls, int fd, const std::filesystem::path& path) {
   struct stat open {};
   struct stat named {};

@@ -61,6 +61,9 @@ class FileDescriptor {
 // Takes an exclusive lock without waiting for it.
 [[nodiscard]] bool tryLock(Syscalls& syscalls, int fd);
 
+// How many names an open file has.
+[[nodiscard]] std::optional<nlink_t> linkCount(Syscalls& syscalls, int fd);
+
 // Whether the path still names this very file.
 [[nodiscard]] bool isNamed(Syscalls& syscalls, int fd, const std::filesystem::path& path);
 

@@ -23,9 +23,9 @@
 namespace tavlo::linux_platform {
 
 struct Options {
-  std::optional<std::filesystem::path> container;  // absent: a folder of the domain's name, see Container.h
-  std::string domain;                              // empty: the name of the executable
-  bool quietConsole = false;                       // drops console lines instead of writing them to stderr
+  std::optional<std::filesystem::path> container{};  // absent: a folder of the domain's name, see Container.h
+  std::string domain{};                              // empty: the name of the executable
+  bool quietConsole = false;                         // drops console lines instead of writing them to stderr
 };
 
 [[nodiscard]] std::shared_ptr<platform::Platform> make(const Options& options = {});

@@ -1,0 +1,160 @@
+// A process that dies at any system call of a setter.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "TavloUtility.h"
+#include "tests/platform/linux/SettingsFixture.h"
+
+namespace tavlo::test {
+namespace {
+
+using testing::IsEmpty;
+
+constexpr int kKilled = 9;
+
+// A platform whose settings are the store that it is given.
+class StorePlatform final : public platform::Platform {
+ public:
+  explicit StorePlatform(platform::UserDefaults& defaults) : defaults_(defaults) {}
+  platform::UserDefaults& standardUserDefaults() override { return defaults_; }
+
+ private:
+  platform::UserDefaults& defaults_;
+};
+
+// The status that a child exits with after `work`.
+template <class Work>
+int runInChild(Work work) {
+  const pid_t child = ::fork();
+  if (child == 0) {
+    work();
+    ::_exit(0);
+  }
+  int status = 0;
+  EXPECT_EQ(::waitpid(child, &status, 0), child);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+struct Identifier {
+  std::string key;
+  void (*set)(const Text&);
+  Text (*get)();
+};
+
+const std::vector<Identifier> kIdentifiers{
+    {"ApplicationId", TavloUtility::setAppIdToUserDefault, TavloUtility::getAppIdFromUserDefault},
+    {"OptionalId", TavloUtility::setOptionalIdToUserDefault, TavloUtility::getOptionalIdFromUserDefault},
+    {"SecurityKey", TavloUtility::setSecurityKeyToUserDefault, TavloUtility::getSecurityKeyTFromUserDefault},
+};
+
+// What lies in the file before: nothing, the identifiers, or the identifiers among a thousand entries.
+struct Before {
+  std::string name;
+  std::optional<ValueMap> entries;
+};
+
+std::vector<Before> befores() {
+  const ValueMap identifiers{{"ApplicationId", "old"}, {"OptionalId", "old"}, {"SecurityKey", "old"}};
+  ValueMap many = identifiers;
+  for (int i = 0; i < 1000; ++i) many.append("foreign" + std::to_string(i), i);
+  return {{"no file", std::nullopt}, {"file", identifiers}, {"file with 1,000 foreign entries", many}};
+}
+
+// Kills a child at its n-th call; whether it came to that.
+bool killAt(SettingsFixture& box, const Identifier& id, std::size_t n) {
+  const int status = runInChild([&] {
+    box.syscalls.setHook([n, i = std::size_t{0}](const std::string&) mutable {
+      if (i++ == n) ::_exit(kKilled);
+      return 0;
+    });
+    auto defaults = box.store();
+    const InstalledPlatform<StorePlatform> installed(defaults);
+    id.set("new");
+  });
+  EXPECT_TRUE(status == 0 || status == kKilled) << status;
+  return status == kKilled;
+}
+
+TEST(SettingsKill, AtAnyCallLeavesTheOldValueOrTheNewOneAndAllElseAlone) {
+  std::size_t points = 0;
+  for (const Before& before : befores()) {
+    for (const Identifier& id : kIdentifiers) {
+      for (std::size_t n = 0;; ++n) {
+        SCOPED_TRACE(before.name + ", " + id.key + ", call " + std::to_string(n));
+        SettingsFixture box;
+        if (before.entries) box.put(*before.entries);
+
+        const bool killed = killAt(box, id, n);
+
+        ValueMap changed = before.entries.value_or(ValueMap{});
+        changed.set(Value(id.key), "new");
+        const bool missing = !std::filesystem::exists(box.file());
+        const Value found = missing ? Value() : box.entries();
+        const Value old = before.entries ? Value::map(*before.entries) : Value();
+        EXPECT_TRUE(found == Value::map(changed) || (killed && found == old));
+        EXPECT_LE(box.temporaries().size(), 1U);
+
+        // The next process is not held up by what the dead one left, and tidies it away.
+        auto defaults = box.store(std::chrono::milliseconds(0));
+        const InstalledPlatform<StorePlatform> installed(defaults);
+        id.set("next");
+        changed.set(Value(id.key), "next");
+        EXPECT_EQ(box.entries(), Value::map(changed));
+        EXPECT_EQ(id.get(), "next");
+        EXPECT_THAT(box.temporaries(), IsEmpty());
+        if (!killed) break;
+        ++points;
+      }
+    }
+  }
+  RecordProperty("points", static_cast<int>(points));
+  EXPECT_GE(points, 9U * 30U);
+}
+
+TEST(SettingsKill, AnAcknowledgedValueIsOnTheDiskWhateverTheProcessDoesNext) {
+  SettingsFixture box;
+
+  const int status = runInChild([&] {
+    auto defaults = box.store();
+    ::_exit(store(defaults, "k", "v") ? kKilled : 1);
+  });
+
+  EXPECT_EQ(status, kKilled);
+  EXPECT_EQ(box.entries(), Value::map({{"k", "v"}}));
+}
+
+// A child that is forked while the lock is held shares the open file. The lock goes all the same.
+TEST(SettingsKill, AChildForkedDuringAWriteDoesNotKeepTheLock) {
+  SettingsFixture box;
+  auto defaults = box.store(std::chrono::milliseconds(0));
+  int hold[2];
+  ASSERT_EQ(::pipe(hold), 0);
+  pid_t child = -1;
+  box.syscalls.setHook([&](const std::string& call) {
+    if (call.starts_with("fsync tmp") && child < 0) {
+      child = ::fork();
+      if (child == 0) {
+        ::close(hold[1]);
+        char byte;
+        const ssize_t ended = ::read(hold[0], &byte, 1);  // until the parent closes its end
+        ::_exit(static_cast<int>(ended));
+      }
+    }
+    return 0;
+  });
+  ASSERT_TRUE(store(defaults, "k", "1"));
+  ASSERT_GT(child, 0);
+
+  EXPECT_TRUE(store(defaults, "k", "2"));
+
+  ::close(hold[1]);
+  ::close(hold[0]);
+  int status = -1;
+  EXPECT_EQ(::waitpid(child, &status, 0), child);
+  EXPECT_EQ(status, 0);
+}
+
+}  // namespace
+}  // namespace tavlo::test
