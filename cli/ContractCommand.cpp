@@ -72,7 +72,10 @@ Value contractValue(const Contract& contract) {
 std::string contractsTable(const Contract* only, const TableLook& look) {
   if (only) return contractTable(*only, look);
   std::string text;
-  for (const Contract& contract : kContracts) text += (text.empty() ? "" : "\n") + contractTable(contract, look);
+  for (const Contract& contract : kContracts) {
+    if (!text.empty()) text += '\n';
+    text += contractTable(contract, look);
+  }
   return text;
 }
 
@@ -137,7 +140,7 @@ std::string allContractsMarkdown() {
       "# The wire contracts\n\n"
       "What the four requests send, pair by pair and in order, as `tavlo contract --format markdown` prints it from\n"
       "the tables in request/Contracts.h. Encoded values go through `urlEncode`; an absent text is sent as `(null)`.\n";
-  for (const Contract& contract : kContracts) text += "\n" + contractMarkdown(contract);
+  for (const Contract& contract : kContracts) text.append("\n").append(contractMarkdown(contract));
   return text;
 }
 
