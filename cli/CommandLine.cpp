@@ -101,14 +101,23 @@ class Parser {
     } catch (const CLI::CallForVersion& version) {
       return {.globals = {}, .command = Help{version.what() + std::string("\n")}};
     } catch (const CLI::ParseError& error) {
-      std::string message = error.what();
-      std::erase(message, kMark);
-      throw UsageError(message);
+      fail(error.what());
     }
     return {.globals = globals(), .command = command()};
   }
 
  private:
+  // A word that nothing takes is told before what is missing: it is often what should have been there.
+  [[noreturn]] void fail(std::string message) const {
+    for (const std::string& word : root_.remaining(true)) {
+      if (word == "--") continue;
+      message = "\"" + word + "\" is unexpected here";
+      break;
+    }
+    std::erase(message, kMark);
+    throw UsageError(message);
+  }
+
   static CLI::App& addCommand(CLI::App& parent, const char* name, const char* description, const char* footer) {
     CLI::App& command = *parent.add_subcommand(name, description);
     command.fallthrough();  // global options after it

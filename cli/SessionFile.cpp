@@ -68,7 +68,7 @@ void Reader::readObject(const JsonNode& node, const std::string& path, std::stri
                         const TakeMember& take) {
   if (node.kind != Kind::object) failKind(node, path, "an object");
   for (auto member = node.members.begin(); member != node.members.end(); ++member) {
-    const std::string memberPath = (path.empty() ? "" : path + ".") + member->key;
+    const std::string memberPath = (path.empty() ? "" : path + ".") + (member->key.empty() ? "\"\"" : member->key);
     const auto isTheSame = [&](const JsonMember& other) { return other.key == member->key; };
     if (const auto first = std::find_if(node.members.begin(), member, isTheSame); first != member) {
       fail(member->line, memberPath, "expected once, first given in line " + std::to_string(first->line));
