@@ -180,7 +180,7 @@ bool Reader::close(const Frame& frame) {
     std::vector<ValueMap::Entry> entries;
     entries.reserve(count);
     for (std::size_t i = 0; i < count; ++i) entries.emplace_back(item(frame, i), item(frame, count + i));
-    object.value = Value::map(ValueMap(std::move(entries), keys_));
+    object.value = Value::map(ValueMap(entries, keys_));
     return true;
   }
   ValueList items;
@@ -272,10 +272,9 @@ bool Reader::readScalar(std::size_t number, const Extent& extent, Value& value) 
     case kUtf16: value = fromUtf16(contents); return true;
     default: break;
   }
-  const auto wide = std::find_if(contents.begin(), contents.end(), [](char byte) { return (byte & 0x80) != 0; });
-  if (wide != contents.end()) {
-    const auto at = extent.contents + static_cast<std::size_t>(wide - contents.begin());
-    return fail(number, extent, "byte " + std::to_string(at) + " of its text is not ASCII");
+  for (std::size_t i = 0; i < contents.size(); ++i) {
+    if ((contents[i] & 0x80) == 0) continue;
+    return fail(number, extent, "byte " + std::to_string(extent.contents + i) + " of its text is not ASCII");
   }
   value = contents;
   return true;

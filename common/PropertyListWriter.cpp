@@ -108,7 +108,7 @@ class Writer {
 
   [[nodiscard]] std::optional<std::size_t> addScalar(const Value& value);
   [[nodiscard]] std::optional<std::size_t> addContainer(const Value& value, std::size_t depth);
-  void append(std::string& out, const Object& object, std::size_t referenceSize) const;
+  static void append(std::string& out, const Object& object, std::size_t referenceSize);
 
   std::vector<Object> objects_;
   std::unordered_map<const void*, std::size_t> byIdentity_;
@@ -165,7 +165,7 @@ std::optional<std::size_t> Writer::addContainer(const Value& value, std::size_t 
   return number;
 }
 
-void Writer::append(std::string& out, const Object& object, std::size_t referenceSize) const {
+void Writer::append(std::string& out, const Object& object, std::size_t referenceSize) {
   if (object.scalar) {
     out += *object.scalar;
     return;

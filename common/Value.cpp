@@ -176,7 +176,7 @@ class Comparison {
 
 std::string Integer::decimal() const {
   // Schoolbook division by ten over four 32-bit digits of the magnitude.
-  std::uint64_t top = static_cast<std::uint64_t>(high);
+  auto top = static_cast<std::uint64_t>(high);
   std::uint64_t bottom = low;
   const bool negative = high < 0;
   if (negative) {
@@ -230,20 +230,20 @@ const void* Value::identity() const {
 
 std::strong_ordering operator<=>(const Value& a, const Value& b) { return Comparison().compare(a, b); }
 
-ValueMap::ValueMap(std::vector<Entry> entries) {
+ValueMap::ValueMap(const std::vector<Entry>& entries) {
   ValueNumbers numbers;
-  *this = ValueMap(std::move(entries), numbers);
+  *this = ValueMap(entries, numbers);
 }
 
-ValueMap::ValueMap(std::vector<Entry> entries, ValueNumbers& numbers) {
+ValueMap::ValueMap(const std::vector<Entry>& entries, ValueNumbers& numbers) {
   std::unordered_map<std::size_t, std::size_t> places;
   entries_.reserve(entries.size());
-  for (auto& [key, value] : entries) {
+  for (const auto& [key, value] : entries) {
     const auto [place, isNew] = places.try_emplace(numbers.of(key), entries_.size());
     if (isNew) {
-      entries_.emplace_back(std::move(key), std::move(value));
+      entries_.emplace_back(key, value);
     } else {
-      entries_[place->second].second = std::move(value);
+      entries_[place->second].second = value;
     }
   }
 }

@@ -37,7 +37,7 @@ std::size_t ValueNumbers::of(const Value& value) {
 }
 
 std::string ValueNumbers::contentsOf(const Value& value) {
-  const std::string kind(1, static_cast<char>(value.kind()));
+  std::string kind(1, static_cast<char>(value.kind()));
   switch (value.kind()) {
     case Kind::null: return kind;
     case Kind::boolean: return kind + joined({*value.ifBoolean() ? 1U : 0U});

@@ -54,7 +54,7 @@ class RandomValues {
       Value key = whom_ == For::ourselves ? graph(depth) : oneIn(8) ? Value::data(bytes()) : Value(text());
       entries.emplace_back(std::move(key), graph(depth));
     }
-    return Value::map(ValueMap(std::move(entries)));
+    return Value::map(ValueMap(entries));
   }
 
   Value list(std::size_t size, int depth) { return Value::list(items(size, depth)); }
