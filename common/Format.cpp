@@ -11,6 +11,7 @@ namespace {
 // As std::to_chars writes it, which is as C does, but never with a locale's decimal point.
 template <class... Precision>
 void appendNumber(std::string& out, auto value, Precision... precision) {
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): only what was written is read
   std::array<char, 512> digits;  // a double in fixed notation takes at most 309 digits, a point and 6 more
   out.append(digits.data(), std::to_chars(digits.data(), digits.data() + digits.size(), value, precision...).ptr);
 }

@@ -34,6 +34,7 @@ void appendUrlEncoded(std::string& out, std::string_view value) {
   // A run that stays is appended whole. What follows goes through a buffer, stretch by stretch: each byte is
   // written as a whole table row without a branch, and the next one overwrites what does not count.
   constexpr std::size_t kStretch = 64;
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): only what was written is read
   std::array<char, 3 * kStretch + sizeof(Encoded)> buffer;
   while (!value.empty()) {
     const auto run = static_cast<std::size_t>(std::find_if_not(value.begin(), value.end(), stays) - value.begin());
