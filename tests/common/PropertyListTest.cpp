@@ -2,7 +2,6 @@
 
 #include <bit>
 #include <cmath>
-#include <filesystem>
 #include <limits>
 #include <string>
 #include <vector>
@@ -10,7 +9,6 @@
 #include "common/PropertyList.h"
 #include "tests/common/RawPropertyList.h"
 #include "tests/support/Python.h"
-#include "tests/support/TemporaryFolder.h"
 
 namespace tavlo::property_list {
 namespace {
@@ -290,31 +288,6 @@ TEST(PropertyList, SharedPartMetNearTheTopStillCountsWithItsHeight) {
 
   EXPECT_EQ(decoded(encoded(deepest)), deepest);
   EXPECT_EQ(encode(tooDeep), std::nullopt);
-}
-
-TEST(PropertyList, ForeignArchivesAreReadAndWrittenBackEqual) {
-  std::size_t count = 0;
-
-  for (const auto& entry : std::filesystem::directory_iterator(TAVLO_SOURCE_DIR "/tests/fixtures/archives")) {
-    if (entry.path().extension() != ".bin") continue;
-    const Value archive = decoded(test::readFile(entry.path()));
-    ++count;
-
-    ASSERT_NE(archive.ifMap(), nullptr) << entry.path();
-    EXPECT_EQ(*archive.ifMap()->find("$version"), Value(100000)) << entry.path();
-    EXPECT_EQ(decoded(encoded(archive)), archive) << entry.path();
-  }
-
-  EXPECT_EQ(count, 13U);
-}
-
-TEST(PropertyList, ForeignArchiveHoldsWhatItsWriterPutThere) {
-  const Value archive = decoded(test::readFile(TAVLO_SOURCE_DIR "/tests/fixtures/archives/device_root_string.bin"));
-
-  EXPECT_EQ(archive, Value::map({{"$version", 100000},
-                                 {"$archiver", "NSKeyedArchiver"},
-                                 {"$top", Value::map({{"root", Uid{.index = 1}}})},
-                                 {"$objects", Value::list({"$null", "just a string"})}}));
 }
 
 }  // namespace

@@ -7,7 +7,6 @@
 
 #include "common/Value.h"
 #include "common/ValueNumbers.h"
-#include "tests/support/Python.h"
 
 namespace tavlo {
 namespace {
@@ -278,96 +277,6 @@ TEST(Value, CopiesFoundEqualCountAsOne) {
   }
 
   EXPECT_EQ(Value::list(left), Value::list(right));
-}
-
-TEST(ValueMap, OfEqualKeysTheLastValueStandsAtTheFirstPlace) {
-  const ValueMap map({{"a", 1}, {"b", 2}, {"a", 3}, {Value::list({1}), 4}, {"a", 5}, {Value::list({1}), 6}});
-
-  ASSERT_EQ(map.size(), 3U);
-  std::vector<ValueMap::Entry> entries(map.begin(), map.end());
-  EXPECT_EQ(entries[0], ValueMap::Entry("a", 5));
-  EXPECT_EQ(entries[1], ValueMap::Entry("b", 2));
-  EXPECT_EQ(entries[2], ValueMap::Entry(Value::list({1}), 6));
-}
-
-TEST(ValueMap, KeysOfDifferentKindsAreDifferent) {
-  const ValueMap map({{1, "integer"}, {true, "boolean"}, {1.0, "real"}, {"1", "text"}, {Value::data("1"), "data"}});
-
-  EXPECT_EQ(map.size(), 5U);
-}
-
-TEST(ValueMap, SetReplacesInPlaceOrAppends) {
-  ValueMap map({{"a", 1}, {"b", 2}});
-
-  map.set("a", 3);
-  map.set("c", 4);
-
-  std::vector<ValueMap::Entry> entries(map.begin(), map.end());
-  EXPECT_EQ(entries, (std::vector<ValueMap::Entry>{{"a", 3}, {"b", 2}, {"c", 4}}));
-}
-
-TEST(ValueMap, FindMeansTheTextKey) {
-  const ValueMap map({{Value::data("a"), 1}, {1, 2}, {"a", 3}});
-
-  ASSERT_NE(map.find("a"), nullptr);
-  EXPECT_EQ(*map.find("a"), Value(3));
-  EXPECT_EQ(map.find("1"), nullptr);
-  EXPECT_EQ(ValueMap().find(""), nullptr);
-  EXPECT_TRUE(ValueMap().empty());
-}
-
-TEST(ValueMap, MapsMadeWithOneNumberingAreTheSameAsWithout) {
-  ValueNumbers numbers;
-  const Value key = Value::list({"k"});
-  const Value sameKey = Value::list({"k"});
-  const std::vector<ValueMap::Entry> entries = {{key, 1}, {sameKey, 2}, {"x", 3}};
-
-  const ValueMap first(entries, numbers);
-  const ValueMap second(entries, numbers);
-
-  EXPECT_EQ(first.size(), 2U);
-  EXPECT_EQ(Value::map(first), Value::map(second));
-  EXPECT_EQ(Value::map(first), Value::map(ValueMap(entries)));
-}
-
-TEST(Integer, DecimalIsPythonsAtEveryEdge) {
-  std::vector<std::uint64_t> words = {0, 1, 9, 10, 99, 100, kAllOnes, kAllOnes - 1, 10000000000000000000U};
-  for (unsigned bit = 1; bit < 64; ++bit) {
-    words.push_back((std::uint64_t{1} << bit) - 1);
-    words.push_back(std::uint64_t{1} << bit);
-  }
-  std::string input;
-  std::vector<std::string> decimals;
-  for (const std::uint64_t high : words) {
-    for (const std::uint64_t low : words) {
-      const Integer integer{.high = static_cast<std::int64_t>(high), .low = low};
-      input += std::to_string(high) + " " + std::to_string(low) + "\n";
-      decimals.push_back(integer.decimal());
-    }
-  }
-
-  const auto expected = test::splitLines(test::runOracle("property_list.py", {"decimal"}, input));
-
-  EXPECT_EQ(decimals.size(), 135U * 135U);
-  EXPECT_EQ(decimals, expected);
-}
-
-TEST(Integer, DecimalIsLiteral) {
-  EXPECT_EQ((Integer{.high = 0, .low = 0}.decimal()), "0");
-  EXPECT_EQ((Integer{.high = -1, .low = kAllOnes}.decimal()), "-1");
-  EXPECT_EQ((Integer{.high = kSmallest64, .low = 0}.decimal()), "-170141183460469231731687303715884105728");
-  EXPECT_EQ((Integer{.high = kLargest64, .low = kAllOnes}.decimal()), "170141183460469231731687303715884105727");
-}
-
-TEST(Integer, FitsTellsWhatSixtyFourBitsHold) {
-  EXPECT_TRUE(Integer::of(kSmallest64).fitsSigned());
-  EXPECT_FALSE(Integer::of(kSmallest64).fitsUnsigned());
-  EXPECT_TRUE(Integer::of(kLargest64).fitsSigned());
-  EXPECT_TRUE(Integer::of(kLargest64).fitsUnsigned());
-  EXPECT_FALSE(Integer::of(kAllOnes).fitsSigned());
-  EXPECT_TRUE(Integer::of(kAllOnes).fitsUnsigned());
-  EXPECT_FALSE((Integer{.high = -1, .low = kTwoTo63 - 1}.fitsSigned()));
-  EXPECT_FALSE((Integer{.high = 1, .low = 0}.fitsUnsigned()));
 }
 
 }  // namespace
