@@ -16,8 +16,10 @@ namespace {
 // An open input, read piece by piece.
 class Input {
  public:
-  explicit Input(const std::string& path) : name_(inputName(path)), isStandard_(path == "-") {
-    fd_ = isStandard_ ? STDIN_FILENO : ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY);
+  explicit Input(const std::string& path)
+      : name_(inputName(path)),
+        isStandard_(path == "-"),
+        fd_(isStandard_ ? STDIN_FILENO : ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY)) {
     if (fd_ < 0) fail();
   }
   Input(const Input&) = delete;
@@ -45,7 +47,7 @@ class Input {
 
   const std::string name_;
   const bool isStandard_;
-  int fd_ = -1;
+  const int fd_;
   std::array<char, 65536> buffer_{};
 };
 
