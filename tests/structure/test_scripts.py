@@ -163,6 +163,14 @@ class Ci(unittest.TestCase):
 
         self.assertEqual((run.status, run.calls), (1, ["cmake --preset asan"]))
 
+    def test_FailureAnywhereInAPipeEndsTheLeg(self):
+        for failing in ("STATUS_git", "STATUS_clang_format_14"):
+            with self.subTest(failing):
+                run = Run(".ci/run", "format", STDOUT_git="common/Text.h", **{failing: "1"})
+
+                self.assertEqual(run.status, 1)
+                self.assertIn("==> format failed after", run.err)
+
     def test_NamedLegsRunInTheirOrder(self):
         run = Run(".ci/run", "tsan_clang", "shell")
 
