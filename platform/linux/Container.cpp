@@ -67,19 +67,17 @@ bool isFolder(Syscalls& syscalls, const fs::path& path) {
 }
 
 // A folder that was there already may have been made by a process that did not live to make its name durable.
+// No folder is made in another one before that one's name is durable, so that this holds for the last one only.
 bool make(Syscalls& syscalls, const fs::path& folder, Container::Durable durable) {
-  const auto tryToMake = [&] { return uninterrupted([&] { return syscalls.mkdir(folder.c_str(), 0700); }) == 0; };
-  bool made = tryToMake();
-  if (!made && errno == ENOENT) {
-    if (!make(syscalls, folder.parent_path(), Container::Durable::all)) return false;
-    made = tryToMake();
-  }
-  if (!made) {
-    if (errno != EEXIST || !isFolder(syscalls, folder)) return false;
-    if (durable == Container::Durable::fresh) return true;
+  const bool wasThere = isFolder(syscalls, folder);
+  if (wasThere && durable == Container::Durable::fresh) return true;
+  if (!wasThere) {
+    if (errno != ENOENT || !make(syscalls, folder.parent_path(), Container::Durable::all)) return false;
+    const bool made = uninterrupted([&] { return syscalls.mkdir(folder.c_str(), 0700); }) == 0;
+    if (!made && (errno != EEXIST || !isFolder(syscalls, folder))) return false;
   }
   const FileDescriptor above = openFile(syscalls, folder.parent_path(), O_RDONLY | O_DIRECTORY);
-  if (!above) return !made && errno == EACCES;  // the folder above is another's, and so are the names in it
+  if (!above) return wasThere && errno == EACCES;  // the folder above is another's, and so are the names in it
   return syscalls.fsync(above.get()) == 0;
 }
 

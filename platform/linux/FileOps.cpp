@@ -29,7 +29,7 @@ bool writeAll(Syscalls& syscalls, int fd, std::string_view bytes) {
 
 std::optional<std::string> readWhole(Syscalls& syscalls, int fd, std::size_t limit) {
   std::string bytes;
-  std::array<char, 16384> block;
+  std::array<char, 16384> block{};
   for (;;) {
     const ssize_t count = uninterrupted([&] { return syscalls.read(fd, block.data(), block.size()); });
     if (count < 0) return std::nullopt;

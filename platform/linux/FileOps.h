@@ -33,6 +33,8 @@ class FileDescriptor {
  public:
   FileDescriptor() = default;
   FileDescriptor(Syscalls& syscalls, int fd) : syscalls_(&syscalls), fd_(fd) {}
+  FileDescriptor(const FileDescriptor&) = delete;
+  FileDescriptor& operator=(const FileDescriptor&) = delete;
   FileDescriptor(FileDescriptor&& other) noexcept : syscalls_(other.syscalls_), fd_(std::exchange(other.fd_, -1)) {}
   FileDescriptor& operator=(FileDescriptor&& other) noexcept {
     std::swap(syscalls_, other.syscalls_);

@@ -16,7 +16,7 @@ namespace {
 class WithoutBrokenPipe {
  public:
   WithoutBrokenPipe() {
-    sigset_t waiting;
+    sigset_t waiting{};
     sigpending(&waiting);
     wasWaiting_ = sigismember(&waiting, SIGPIPE) == 1;
     sigemptyset(&signal_);
@@ -32,9 +32,9 @@ class WithoutBrokenPipe {
   }
 
  private:
-  sigset_t signal_;
-  sigset_t before_;
-  bool wasWaiting_;
+  sigset_t signal_{};
+  sigset_t before_{};
+  bool wasWaiting_ = false;
 };
 
 }  // namespace

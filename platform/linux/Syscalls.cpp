@@ -50,7 +50,7 @@ std::optional<std::vector<std::string>> Syscalls::folderNames(const char* path) 
 }
 
 std::optional<std::string> Syscalls::readlink(const char* path) {
-  std::array<char, PATH_MAX> target;
+  std::array<char, PATH_MAX> target{};
   const ssize_t length = ::readlink(path, target.data(), target.size());
   if (length < 0) return std::nullopt;
   return std::string(target.data(), static_cast<std::size_t>(length));

@@ -194,15 +194,17 @@ TEST_F(ContainerFolders, AllAreMadeForTheUserAlone) {
   EXPECT_TRUE(container_.makeFolders());
 }
 
-TEST_F(ContainerFolders, EachNewNameIsMadeDurableBeforeTheNextOneIsMade) {
-  ASSERT_TRUE(make(Container::Durable::fresh));
+TEST_F(ContainerFolders, NoFolderIsMadeInAnotherBeforeThatOnesNameIsDurable) {
+  const std::string above = folder_.path().parent_path().string();
+
+  ASSERT_TRUE(container_.makeFolder(container_.library(), Container::Durable::fresh, syscalls_));
 
   EXPECT_THAT(syscalls_.calls(),
-              ElementsAre("mkdir above/box", "mkdir above", "open .", "fsync .", "close .",  //
-                          "mkdir above/box", "open above", "fsync above", "close above",     //
-                          "mkdir above/box/Library", "open above/box", "fsync above/box", "close above/box",
-                          "mkdir above/box/Library/Preferences", "open above/box/Library", "fsync above/box/Library",
-                          "close above/box/Library"));
+              ElementsAre("stat above/box", "stat above", "stat .", "open " + above, "fsync " + above, "close " + above,
+                          "mkdir above", "open .", "fsync .", "close .",                  //
+                          "mkdir above/box", "open above", "fsync above", "close above",  //
+                          "stat above/box/Library", "stat above/box", "open above", "fsync above", "close above",
+                          "mkdir above/box/Library", "open above/box", "fsync above/box", "close above/box"));
 }
 
 // The process that made them may have died before it made their names durable.
@@ -218,21 +220,28 @@ TEST_F(ContainerFolders, NamesThatWereThereAreMadeDurableUnlessTheCallerDidSo) {
   EXPECT_EQ(syscalls_.count("fsync"), 0U);
 }
 
-TEST_F(ContainerFolders, AFolderAboveThatWasThereIsMadeDurableWhenOneIsMadeInIt) {
-  fs::create_directory(folder_ / "above");
-  container_ = *Container::locate(folder_ / "above/new/box", "app");
-
-  ASSERT_TRUE(make(Container::Durable::fresh));
-
-  const auto calls = syscalls_.calls();
-  EXPECT_EQ(std::count(calls.begin(), calls.end(), "fsync above"), 1);
-}
-
 TEST_F(ContainerFolders, AParentThatCannotBeReadIsNoFailureForAFolderThatIsThere) {
   fs::create_directories(container_.folder());
   syscalls_.setHook(failing("open above", EACCES));
 
   EXPECT_TRUE(make(Container::Durable::all));
+}
+
+TEST_F(ContainerFolders, AFolderThatAnotherProcessMakesMeanwhileIsFine) {
+  fs::create_directory(folder_ / "above");
+  syscalls_.setHook([&](const std::string& call) {
+    if (call == "mkdir above/box") fs::create_directory(container_.folder());
+    return 0;
+  });
+
+  EXPECT_TRUE(make(Container::Durable::all));
+}
+
+TEST_F(ContainerFolders, ALinkThatLeadsNowhereIsAFailure) {
+  fs::create_directory(folder_ / "above");
+  fs::create_symlink("nowhere", container_.folder());
+
+  EXPECT_FALSE(make(Container::Durable::all));
 }
 
 TEST_F(ContainerFolders, AParentThatCannotBeReadIsAFailureForANewFolder) {

@@ -72,7 +72,8 @@ class FaultySyscalls final : public linux_platform::Syscalls {
     if (shortened_ && size > *shortened_) size = *std::exchange(shortened_, std::nullopt);
     return size == 0 ? 0 : Syscalls::write(fd, bytes, size);
   }
-  int fsync(int fd) override { return allowed("fsync", label(fd)) ? Syscalls::fsync(fd) : -1; }
+  // Recorded, but not made: no test here can cut the power, and the rest of the machine need not wait.
+  int fsync(int fd) override { return allowed("fsync", label(fd)) ? 0 : -1; }
   int flock(int fd, int operation) override {
     return allowed("flock", label(fd)) ? Syscalls::flock(fd, operation) : -1;
   }
@@ -119,7 +120,7 @@ class FaultySyscalls final : public linux_platform::Syscalls {
     static const std::regex kNumbers("tavlo-[0-9]+-[0-9]+\\.tmp");
     if (path + '/' == root_) return ".";
     const std::string below = path.starts_with(root_) ? path.substr(root_.size()) : path;
-    return std::regex_replace(below, kNumbers, "tavlo-#.tmp");
+    return below.starts_with("tmp/") ? std::regex_replace(below, kNumbers, "tavlo-#.tmp") : below;
   }
   [[nodiscard]] std::string label(int fd) const {
     const std::lock_guard lock(mutex_);
