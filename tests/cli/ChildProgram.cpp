@@ -20,6 +20,7 @@ using tavlo::test::writeFile;
 
 std::vector<char*> pointersTo(std::vector<std::string>& texts) {
   std::vector<char*> pointers;
+  pointers.reserve(texts.size() + 1);
   for (std::string& text : texts) pointers.push_back(text.data());
   pointers.push_back(nullptr);
   return pointers;
@@ -94,7 +95,7 @@ Result run(const std::vector<std::string>& arguments, const Setting& setting) {
   std::vector<std::string> words{std::getenv("TAVLO_PROGRAM")};
   words.insert(words.end(), arguments.begin(), arguments.end());
   std::vector<std::string> variables{"HOME=" + home.path().string()};
-  for (const auto& [name, value] : setting.environment) variables.push_back(name + "=" + value);
+  for (const auto& [name, value] : setting.environment) variables.emplace_back(name).append("=").append(value);
   const std::vector<char*> argv = pointersTo(words);
   const std::vector<char*> environment = pointersTo(variables);
 

@@ -13,8 +13,9 @@ TEST(DisplayTest, PlainTextStaysAsItIs) {
 TEST(DisplayTest, WhatATerminalObeysIsEscaped) {
   EXPECT_EQ(displayed("a\nb\rc\td"), "a\\nb\\rc\\td");
   EXPECT_EQ(displayed(std::string("\0\x1b[31m\x7f", 7)), "\\u{0}\\u{1b}[31m\\u{7f}");
-  EXPECT_EQ(displayed("\xC2\x9B"), "\\u{9b}");                             // the other way to begin a sequence
-  EXPECT_EQ(displayed("\xE2\x80\xAE\xE2\x80\xA8"), "\\u{202e}\\u{2028}");  // turns the direction, ends the line
+  EXPECT_EQ(displayed("\xC2\x9B"), "\\u{9b}");  // the other way to begin a sequence
+  EXPECT_EQ(displayed(std::string("\xE2\x80") + "\xAE\xE2\x80\xA8"),
+            "\\u{202e}\\u{2028}");  // turns the direction, ends the line
   EXPECT_EQ(displayed("\xEF\xBB\xBF"), "\\u{feff}");
 }
 

@@ -14,7 +14,7 @@ const std::vector<std::vector<std::string>> kAnswering{
     {"demo"},
 };
 
-Result runWithOutput(std::vector<std::string> arguments, Setting setting) {
+Result runWithOutput(const std::vector<std::string>& arguments, Setting setting) {
   const tavlo::test::TemporaryFolder folder;
   setting.environment["TAVLO_CONTAINER"] = folder.path().string();
   setting.input = "{}";

@@ -12,7 +12,8 @@ TEST(SessionFileTest, EveryTextOfThePackageIsTakenUnderItsOperationsName) {
   for (const PackageTextRead& read : kPackageTextReads) {
     const std::string name(read.name);
 
-    const Session session = parse(R"({"package": {")" + name + R"(": "value of )" + name + "\"}}");
+    const Session session =
+        parse(R"({"package": {")" + std::string(name).append(R"(": "value of )").append(name).append("\"}}"));
 
     for (const PackageTextRead& other : kPackageTextReads) {
       EXPECT_EQ(((*session.package).*other.read)(), other.name == name ? Text("value of " + name) : std::nullopt);
@@ -84,7 +85,7 @@ TEST(SessionFileTest, IdentifiersAreTakenAsTheyAre) {
 }
 
 TEST(SessionFileTest, AboutIsACommentOfAnyKind) {
-  for (const char* about : {"null", "7", "\"text\"", "[1, {\"a\": 1, \"a\": 2}]"}) {
+  for (const char* about : {"null", "7", R"("text")", R"([1, {"a": 1, "a": 2}])"}) {
     EXPECT_TRUE(parse(std::string("{\"about\": ") + about + "}").identifiers.empty());
   }
 }
