@@ -1,5 +1,6 @@
 #include "cli/Program.h"
 
+#include <cstdio>
 #include <exception>
 #include <new>
 #include <variant>
@@ -38,7 +39,7 @@ int runProgram(std::span<const std::string> arguments) noexcept try {
   reportError(error.what());
   return kFailed;
 } catch (const std::bad_alloc&) {
-  reportError("out of memory; free some, or give less at once");
+  std::fputs("tavlo: out of memory; free some, or give less at once\n", stderr);  // and none is needed for this
   return kFailed;
 } catch (const std::exception& error) {
   reportError(std::string("internal error: ") + error.what());

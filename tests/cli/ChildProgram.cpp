@@ -106,7 +106,7 @@ Result run(const std::vector<std::string>& arguments, const Setting& setting) {
 
   const pid_t child = ::fork();
   if (child == 0) {
-    putInPlace(error, STDERR_FILENO);
+    putInPlace(setting.errorClosed ? -1 : error, STDERR_FILENO);
     putInPlace(output.child, STDOUT_FILENO);
     putInPlace(input, STDIN_FILENO);
     if (::chdir(setting.folder.c_str()) == 0) ::execve(argv[0], argv.data(), environment.data());

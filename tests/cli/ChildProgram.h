@@ -31,6 +31,7 @@ struct Setting {
   Stream output = Stream::captured;                     // a terminal's lines end in "\n" here, too
   unsigned short terminalWidth = 0;
   bool inputClosed = false;
+  bool errorClosed = false;
 };
 
 [[nodiscard]] Result run(const std::vector<std::string>& arguments, const Setting& setting = {});

@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "tests/cli/ChildProgram.h"
 #include "tests/support/CaseName.h"
 #include "tests/support/TemporaryFolder.h"

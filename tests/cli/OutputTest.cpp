@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "tests/cli/ChildProgram.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -46,14 +48,18 @@ TEST(OutputTest, BrokenPipeIsAnError) {
   }
 }
 
-TEST(OutputTest, ClosedOutputIsNotWrittenIntoAFileThatIsOpenedNext) {
+// The settings' lock would be the first file to get the closed stream's number, and then the console's line.
+TEST(OutputTest, WhatIsWrittenToAClosedStreamEndsUpInNoFile) {
   const tavlo::test::TemporaryFolder folder;
-  const std::string container = folder.path().string();
+  const std::string settings = (folder / "Library/Preferences/tavlo.plist").string();
+  const std::vector<std::string> setApp{"id", "set", "app", "a", "--container", folder.path().string()};
+  ASSERT_EQ(run(setApp), (Result{0, "", ""}));
+  tavlo::test::writeFile(settings, "damaged, which is told on the console");
 
-  ASSERT_EQ(run({"id", "set", "app", "a", "--container", container}, {.output = Stream::closed}).exitCode, 0);
-  ASSERT_EQ(run({"id", "get", "app", "--container", container}, {.output = Stream::closed}).exitCode, 1);
+  EXPECT_EQ(run(setApp, {.errorClosed = true}), (Result{0, "", ""}));
 
-  EXPECT_EQ(run({"id", "get", "app", "--container", container}), (Result{0, "a\n", ""}));
+  EXPECT_TRUE(std::filesystem::exists(settings + ".damaged"));
+  EXPECT_EQ(tavlo::test::readFile(settings + ".lock"), "");
 }
 
 constexpr const char* kPlainFirstRows =
