@@ -24,14 +24,16 @@ constinit std::atomic<Factory> defaultFactory{nullptr};
 
 }  // namespace
 
+// What stands for a missing service is never destroyed, like the slots: threads and exit handlers may still
+// ask for it while the process ends.
 UserDefaults& Platform::standardUserDefaults() {
-  static NoUserDefaults none;
-  return none;
+  static auto* const none = new NoUserDefaults;
+  return *none;
 }
 
 Console& Platform::console() {
-  static NoConsole none;
-  return none;
+  static auto* const none = new NoConsole;
+  return *none;
 }
 
 void install(std::shared_ptr<Platform> platform) { processSlot<Platform>().store(std::move(platform)); }
@@ -41,7 +43,8 @@ std::shared_ptr<Platform> current() {
   if (const Factory factory = defaultFactory) {
     if (auto made = factory()) return processSlot<Platform>().fill(std::move(made));
   }
-  return std::make_shared<Platform>();
+  static const auto* const none = new std::shared_ptr<Platform>(std::make_shared<Platform>());
+  return *none;
 }
 
 void setDefaultFactory(Factory factory) { defaultFactory = factory; }

@@ -1,5 +1,3 @@
-#include <array>
-
 #include "common/Format.h"
 #include "common/IntValue.h"
 #include "platform/Platform.h"
@@ -9,37 +7,32 @@
 namespace tavlo {
 namespace {
 
-// A record that the handler left out of its list reads as absent throughout.
-class NoDetail final : public NetworkTrackerDetail {
- public:
-  std::optional<Value> networkID() const override { return std::nullopt; }
-  std::optional<Value> event() const override { return std::nullopt; }
-  std::optional<Value> count() const override { return std::nullopt; }
-};
-
-void logRecord(platform::Console& console, const NetworkTrackerDetail& record) {
-  std::string line;
-  appendTextForm(line, record.networkID());
-  line += "  ";
-  appendTextForm(line, record.event());
-  line += "  ";
-  appendTextForm(line, record.count());
-  console.log(line);
-}
-
 void setPresent(ValueMap& map, std::string_view key, std::optional<Value> value) {
   if (value) map.append(key, *std::move(value));
 }
 
-// Each value is read anew where it is used: for the log, for the test, for the payload.
-void visit(const NetworkTrackerDetail& record, platform::Console& console, ValueList& kept) {
-  logRecord(console, record);
-  if (intValue(record.count()) <= 0) return;
+// Each value is read anew where it is used: for the log, for the test, for the payload. A record that is
+// missing from its list reads as absent throughout.
+void visit(const NetworkTrackerDetail* record, platform::Console& console, ValueList& kept) {
+  using Detail = NetworkTrackerDetail;
+  const auto read = [record](std::optional<Value> (Detail::*value)() const) {
+    return record ? (record->*value)() : std::nullopt;
+  };
+
+  std::string line;
+  appendTextForm(line, read(&Detail::networkID));
+  line += "  ";
+  appendTextForm(line, read(&Detail::event));
+  line += "  ";
+  appendTextForm(line, read(&Detail::count));
+  console.log(line);
+
+  if (intValue(read(&Detail::count)) <= 0) return;
   ValueMap map;
   map.reserve(3);
-  setPresent(map, "network_id", record.networkID());
-  setPresent(map, "event", record.event());
-  setPresent(map, "count", record.count());
+  setPresent(map, "network_id", read(&Detail::networkID));
+  setPresent(map, "event", read(&Detail::event));
+  setPresent(map, "count", read(&Detail::count));
   kept.push_back(Value::map(std::move(map)));
 }
 
@@ -51,9 +44,8 @@ Value networkEventCounts() {
   const auto records = handler ? handler->getNetworkTrackerDetails() : std::nullopt;
   // More than one, not at least one: a lone record is not reported, on purpose.
   if (records && records->size() > 1) {
-    static const NoDetail absent;
     const auto platform = platform::current();
-    for (const auto& record : *records) visit(record ? *record : absent, platform->console(), kept);
+    for (const auto& record : *records) visit(record.get(), platform->console(), kept);
   }
   return Value::list(std::move(kept));
 }

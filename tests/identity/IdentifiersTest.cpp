@@ -1,8 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <set>
-#include <stdexcept>
+#include <cstdlib>
+#include <memory>
 
 #include "TavloUtility.h"
 #include "tests/support/CaseName.h"
@@ -82,17 +82,28 @@ TEST_P(Identifiers, AreNeverTrimmedOrChecked) {
 }
 
 TEST_P(Identifiers, DoNotTouchOneAnother) {
+  const test::MemoryUserDefaults::Entries all = {
+      {"ApplicationId", "app"}, {"OptionalId", "optional"}, {"SecurityKey", "security"}};
   TavloUtility::setAppIdToUserDefault("app");
   TavloUtility::setOptionalIdToUserDefault("optional");
   TavloUtility::setSecurityKeyToUserDefault("security");
+  EXPECT_EQ(platform_->store().stored(), all);
+
   set("changed");
 
-  const std::multiset<Text> found = {TavloUtility::getAppIdFromUserDefault(),
-                                     TavloUtility::getOptionalIdFromUserDefault(),
-                                     TavloUtility::getSecurityKeyTFromUserDefault()};
-  EXPECT_EQ(get(), "changed");
-  EXPECT_EQ(found.size() - found.count("changed"), 2U);
-  EXPECT_EQ(platform_->store().stored().size(), 3U);
+  auto changed = all;
+  changed[GetParam().name] = "changed";
+  EXPECT_EQ(platform_->store().stored(), changed);
+}
+
+TEST_P(Identifiers, AreThereAfterARestart) {
+  const auto disk = std::make_shared<test::MemoryUserDefaults::Disk>();
+  platform::install(std::make_shared<RecordingPlatform>(disk));
+  set("kept");
+
+  platform::install(std::make_shared<RecordingPlatform>(disk));
+
+  EXPECT_EQ(get(), "kept");
 }
 
 TEST_P(Identifiers, AnswerTheNewValueAlsoWhenItCouldNotBeWrittenOut) {
@@ -122,10 +133,18 @@ TEST(IdentifiersWithoutAPlatform, AreAbsentAndSettingThemIsHarmless) {
   EXPECT_EQ(TavloUtility::getAppIdFromUserDefault(), std::nullopt);
 }
 
-TEST(OperationsOfLaterRooms, SayThatTheyAreNotBuiltYet) {
-  EXPECT_THROW(TavloUtility::clearCache(), std::logic_error);
-  EXPECT_THROW(TavloUtility::fetchCurrentLocation(), std::logic_error);
-  EXPECT_THROW(static_cast<void>(TavloUtility::frameworkBundle()), std::logic_error);
+// An exit handler that was registered before the first use runs after everything that was made later is gone.
+TEST(IdentifiersWithoutAPlatform, CanBeUsedWhileTheProcessExits) {
+  const auto useAtExit = [] {
+    std::atexit([] {
+      TavloUtility::setAppIdToUserDefault("app");
+      if (TavloUtility::getAppIdFromUserDefault()) std::abort();
+    });
+    TavloUtility::setAppIdToUserDefault("app");
+    std::exit(7);
+  };
+
+  EXPECT_EXIT(useAtExit(), testing::ExitedWithCode(7), "");
 }
 
 }  // namespace

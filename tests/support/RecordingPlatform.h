@@ -25,6 +25,10 @@ namespace tavlo::test {
 
 class RecordingPlatform final : public platform::Platform {
  public:
+  explicit RecordingPlatform(
+      std::shared_ptr<MemoryUserDefaults::Disk> disk = std::make_shared<MemoryUserDefaults::Disk>())
+      : store_(std::move(disk)) {}
+
   platform::UserDefaults& standardUserDefaults() override {
     calls_.add("standardUserDefaults");
     return recordedDefaults_;
