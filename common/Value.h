@@ -3,13 +3,15 @@
 // Values   a Value is immutable; copying one shares its contents, so copies are cheap and what was shared
 //          stays shared. Containers are built first and then wrapped (Value::list(...), Value::map(...)).
 // Absent   a Value is never absent. Where one may be, the type is std::optional<Value>; Kind::null is a
-//          value of its own (an archive's null object).
+//          value of its own (an archive's null object). A value that was moved from may only be assigned to
+//          or destroyed.
 // Order    total: kinds in the order of Kind, with integer and real ordered together by number. Numbers
 //          that are equal order as integer, real, narrow real; a real that is no number comes before all
 //          others. Text orders by code point, data by byte, lists item by item, sets and maps as their
 //          sorted contents. Equal means equal in kind and content, to the bit; a true is never a 1.
-// Nesting  comparing and destroying a value take stack in proportion to its nesting: tens of thousands of
-//          levels overflow it. Whoever builds values from foreign bytes must bound their nesting.
+// Nesting  comparing and destroying a value, and making a ValueMap with it as a key, take stack in proportion
+//          to its nesting: tens of thousands of levels overflow it. Whoever builds values from foreign bytes
+//          must bound their nesting.
 // Threads  a Value may be read by any number of threads at once.
 #pragma once
 
@@ -82,6 +84,7 @@ class Value {
   Value(std::string text);
   Value(std::string_view text) : Value(std::string(text)) {}
   Value(const char* text) : Value(std::string(text)) {}
+  Value(std::nullptr_t) = delete;
   Value(Integer value) : content_(value) {}
   Value(Real value) : content_(value) {}
   Value(Date value) : content_(value) {}

@@ -17,6 +17,7 @@ using Order = std::strong_ordering;
 // A pointer is no truth value.
 static_assert(!std::is_constructible_v<Value, const std::string*>);
 static_assert(!std::is_constructible_v<Value, const void*>);
+static_assert(!std::is_constructible_v<Value, std::nullptr_t>);
 static_assert(std::is_constructible_v<Value, bool>);
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
@@ -164,6 +165,18 @@ TEST(Value, NumbersTellExactlyTheUnequalApart) {
       EXPECT_EQ(numbers.of(left[i].value) == numbers.of(right[j].value), i == j)
           << left[i].name << " and " << right[j].name;
     }
+  }
+}
+
+TEST(Value, NumbersTellAUrlWithABaseFromATextThatLooksLikeOne) {
+  ValueNumbers numbers;
+  const Value based = relative("a", "http://h");
+
+  // The words that stand for "with a base" and for the base's own number, whichever that is.
+  for (char base = 0; base < 8; ++base) {
+    std::string text = std::string("\1\0\0\0\0\0\0\0", 8) + base + std::string(7, '\0') + "a";
+    const Value plain = Value::url({.text = text, .base = std::nullopt});
+    EXPECT_NE(numbers.of(plain), numbers.of(based)) << int{base};
   }
 }
 
