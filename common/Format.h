@@ -34,7 +34,8 @@ void appendFixed(std::string& out, double value);
 //   url        its text                    null       <null>
 //   uid        decimal                     object     its class name
 //   list, set  (a, b)                      map        {key = value; key = value}
-// A text form longer than 1 MiB or deeper than 512 levels is cut, with "..." in place of what is left out.
+// A date's year outside 0 to 9999 is written as it is, and a date beyond some 28,000 years as its seconds.
+// Lists, sets and maps stop after 1 MiB or 512 levels, with "..." for what is left out; a text is always whole.
 void appendTextForm(std::string& out, const std::optional<Value>& value);
 [[nodiscard]] std::string textForm(const Value& value);
 

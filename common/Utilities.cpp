@@ -1,4 +1,6 @@
 // The two pure operations of the face.
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 
 #include "TavloUtility.h"
@@ -12,10 +14,14 @@ namespace {
 
 constexpr std::string_view kNotAText = "md5:() Invalid string for passed for hash";
 
-// What a reader of NUL-terminated text sees, its length counted in 32 bits.
+// The digest takes its length as a 32-bit count, which wraps.
+constexpr std::size_t countedIn32Bits(std::size_t length) { return static_cast<std::uint32_t>(length); }
+static_assert(countedIn32Bits(0xFFFFFFFF) == 0xFFFFFFFF);
+static_assert(sizeof(std::size_t) == 4 || countedIn32Bits(std::size_t{0xFFFFFFFF} + 6) == 5);
+
+// What a reader of NUL-terminated text sees.
 std::string_view upToFirstNul(std::string_view text) {
-  text = text.substr(0, text.find('\0'));
-  return text.substr(0, static_cast<std::uint32_t>(text.size()));
+  return text.substr(0, countedIn32Bits(std::min(text.find('\0'), text.size())));
 }
 
 }  // namespace

@@ -64,19 +64,37 @@ TEST(FormatTest, FixedNotationAgreesWithASecondImplementationOn20000Doubles) {
   }
 }
 
+// Sets the process's locale to one that lies in a folder, and back at the end.
+class LocaleFrom {
+ public:
+  LocaleFrom(const std::filesystem::path& folder, const char* name) {
+    ::setenv("LOCPATH", folder.c_str(), 1);
+    isSet_ = std::setlocale(LC_ALL, name) != nullptr;
+  }
+  LocaleFrom(const LocaleFrom&) = delete;
+  LocaleFrom& operator=(const LocaleFrom&) = delete;
+  ~LocaleFrom() {
+    std::setlocale(LC_ALL, "C");
+    ::unsetenv("LOCPATH");
+  }
+
+  [[nodiscard]] bool isSet() const { return isSet_; }
+
+ private:
+  bool isSet_ = false;
+};
+
 TEST(FormatTest, NumbersAreTheSameUnderALocaleWithADecimalComma) {
   const test::TemporaryFolder folder;
   const std::string command = "localedef -i de_DE -f UTF-8 '" + (folder / "de_DE.UTF-8").string() + "' >/dev/null 2>&1";
   if (std::system(command.c_str()) != 0) GTEST_SKIP() << "localedef cannot make a locale with a decimal comma here";
-  ASSERT_EQ(::setenv("LOCPATH", folder.path().c_str(), 1), 0);
-  ASSERT_NE(std::setlocale(LC_ALL, "de_DE.UTF-8"), nullptr);
+  const LocaleFrom german(folder.path(), "de_DE.UTF-8");
+  ASSERT_TRUE(german.isSet());
   ASSERT_STREQ(std::localeconv()->decimal_point, ",");
 
   EXPECT_EQ(written(appendFixed, -1234.5), "<-1234.500000>");
   EXPECT_EQ(textForm(1234.5), "1234.5");
   EXPECT_EQ(textForm(-1234567), "-1234567");
-
-  std::setlocale(LC_ALL, "C");
 }
 
 struct Case {
@@ -102,7 +120,12 @@ INSTANTIATE_TEST_SUITE_P(
                     Case{"TheReferenceDate", Date{.seconds = 0}, "2001-01-01 00:00:00 +0000"},
                     Case{"ADateBefore", Date{.seconds = -0.5}, "2000-12-31 23:59:59 +0000"},
                     Case{"AnEarlyDate", Date{.seconds = -63113904000.0}, "0001-01-01 00:00:00 +0000"},
-                    Case{"ADateBeyondTheCalendar", Date{.seconds = 1e300}, "1e+300"},
+                    Case{"AYearOfTwoDigits", Date{.seconds = -61725369600.0}, "0045-01-01 00:00:00 +0000"},
+                    Case{"AYearOfThreeDigits", Date{.seconds = -33324134400.0}, "0945-01-01 00:00:00 +0000"},
+                    Case{"AYearBeforeZero", Date{.seconds = -64e9}, "-28-12-03 06:13:20 +0000"},
+                    Case{"AYearOfFiveDigits", Date{.seconds = 8.9e11}, "30203-12-24 22:13:20 +0000"},
+                    Case{"ADateBeyondTheCalendar", Date{.seconds = 1e12}, "1000000000000"},
+                    Case{"ADateFarBeyondTheCalendar", Date{.seconds = 1e300}, "1e+300"},
                     Case{"ADateThatIsNone", Date{.seconds = std::nan("")}, "nan"}, Case{"AUid", Uid{.index = 7}, "7"},
                     Case{"Url", Value::url({.text = "x", .base = Value::url({.text = "http://h", .base = {}})}), "x"},
                     Case{"List", Value::list({"a", 1, Value::list({})}), "(a, 1, ())"},
@@ -117,8 +140,16 @@ TEST(FormatTest, TheTextFormOfHeavySharingIsCut) {
 
   const std::string text = textForm(value);
 
+  EXPECT_GE(text.size(), 1U << 20U);
   EXPECT_LT(text.size(), 2U << 20U);
   EXPECT_NE(text.find("..."), std::string::npos);
+}
+
+TEST(FormatTest, ATextIsWholeInItsTextFormHoweverLong) {
+  const std::string text(3U << 20U, 'x');
+
+  EXPECT_EQ(textForm(text), text);
+  EXPECT_EQ(textForm(Value::data(text)), text);
 }
 
 TEST(FormatTest, TheTextFormOfDeepNestingIsCut) {

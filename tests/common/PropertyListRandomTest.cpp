@@ -3,7 +3,6 @@
 
 #include <bit>
 #include <iostream>
-#include <limits>
 #include <random>
 #include <set>
 #include <string>

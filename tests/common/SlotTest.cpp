@@ -4,7 +4,6 @@
 #include <thread>
 #include <vector>
 
-#include "common/Logger.h"
 #include "common/Slot.h"
 
 namespace tavlo {
@@ -89,13 +88,6 @@ TEST_F(SlotTest, EachObjectIsDestroyedOnceHoweverManyThreadsReplaceIt) {
   slot.store(nullptr);
   EXPECT_EQ(Counted::made, 64 * 500);
   EXPECT_EQ(Counted::destroyed, 64 * 500);
-}
-
-TEST_F(SlotTest, AnEmptyLoggerSlotDropsMessages) {
-  Logger::install(nullptr);
-
-  EXPECT_NO_THROW(Logger::printLog("dropped"));
-  EXPECT_EQ(Logger::installed(), nullptr);
 }
 
 }  // namespace

@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <atomic>
+#include <barrier>
 #include <thread>
 
 #include "TavloUtility.h"
@@ -35,6 +35,19 @@ void writeValues(host::SessionRecord& session, int number) {
   TavloPackage::sharedInstance()->setUserAddress(whole(number + 3));
   session.setLimitAdTrackingEnabled(number % 2 == 0);
   session.setResolution(number);
+  session.setPreRoll(number);
+}
+
+void writeIdentifiers(int number) {
+  TavloUtility::setAppIdToUserDefault(whole(number));
+  TavloUtility::setOptionalIdToUserDefault(whole(number));
+  TavloUtility::setSecurityKeyToUserDefault(whole(number));
+}
+
+void expectWholeIdentifiers() {
+  EXPECT_TRUE(isWhole(TavloUtility::getAppIdFromUserDefault().value()));
+  EXPECT_TRUE(isWhole(TavloUtility::getOptionalIdFromUserDefault().value()));
+  EXPECT_TRUE(isWhole(TavloUtility::getSecurityKeyTFromUserDefault().value()));
 }
 
 void expectWholeValues(const std::string& query, std::size_t pairs) {
@@ -45,38 +58,55 @@ void expectWholeValues(const std::string& query, std::size_t pairs) {
   }
 }
 
+bool isNumber(std::string_view text) {
+  return !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
+}
+
+void expectWholePayload(const Value& payload) {
+  EXPECT_EQ(payload.ifMap()->size(), 35U);
+  for (const auto& [key, value] : *payload.ifMap()) {
+    if (const std::string* const text = value.ifText()) {
+      EXPECT_TRUE(isNumber(*text) || *text == "4.1.0" || *text == "(null)" || isWhole(*text)) << *text;
+    } else {
+      EXPECT_EQ(value.ifList()->size(), 2U);
+    }
+  }
+}
+
 TEST(RequestsUnderThreads, ReadersAndWritersOfOneRecordAndOneStoreMeetNoTornValue) {
+  constexpr int kThreads = 64;
   test::RealContainer container;
   writeValues(container.host().session(), 0);
-  TavloUtility::setAppIdToUserDefault(whole(0));
-  TavloUtility::setOptionalIdToUserDefault(whole(0));
+  writeIdentifiers(0);
   container.host().tracker().addEvent("n", "e");
   container.host().tracker().addEvent("n", "f");
 
   {
+    std::barrier start(kThreads);
     std::vector<std::jthread> threads;
-    for (int t = 0; t < 64; ++t) {
-      threads.emplace_back([&container, t] {
-        for (int i = 0; i < 20; ++i) {
+    for (int t = 0; t < kThreads; ++t) {
+      threads.emplace_back([&container, &start, t] {
+        start.arrive_and_wait();
+        for (int i = 0; i < 16; ++i) {
           switch (t % 4) {
             case 0: writeValues(container.host().session(), t + i); break;
             case 1: expectWholeValues(TavloUtility::getAdditionalRequestingString(), 41); break;
             case 2: expectWholeValues(TavloUtility::getInAppNotificationAdditionalRequest(), 24); break;
-            default: EXPECT_EQ(TavloUtility::trackerNetworkSessionData().ifMap()->size(), 35U); break;
+            default: expectWholePayload(TavloUtility::trackerNetworkSessionData()); break;
           }
+          if (i % 8 == t % 8) writeIdentifiers(t + i);
+          if (i % 8 == t % 8 + 1) expectWholeIdentifiers();
+          if (i == t % 8 && t % 16 == 3) container.host().counters().recordUse();
+          if (i == t % 8 && t % 16 == 7) container.host().tracker().addEvent("n", "e");
         }
-        if (t % 8 == 0) TavloUtility::setAppIdToUserDefault(whole(t));
-        if (t % 8 == 4) TavloUtility::setOptionalIdToUserDefault(whole(t));
-        if (t == 5) container.host().counters().recordUse();
-        if (t == 6) container.host().tracker().addEvent("n", "e");
       });
     }
   }
 
   container.restart();
-  EXPECT_TRUE(isWhole(TavloUtility::getAppIdFromUserDefault().value()));
-  EXPECT_TRUE(isWhole(TavloUtility::getOptionalIdFromUserDefault().value()));
-  EXPECT_THAT(TavloUtility::getUserInfoRequestString(), testing::StartsWith("&ru=1&"));
+  expectWholeIdentifiers();
+  EXPECT_THAT(TavloUtility::getUserInfoRequestString(), testing::StartsWith("&ru=0&"));
+  EXPECT_EQ(container.host().tracker().list().front().count, Value(5));
 }
 
 }  // namespace

@@ -11,7 +11,6 @@ namespace {
 
 using test::Installed;
 using test::RecordingPackage;
-using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
 

@@ -2,6 +2,7 @@
 
 #include <set>
 
+#include "platform/Platform.h"
 #include "request/Contracts.h"
 #include "request/Renderer.h"
 #include "tests/support/RecordingCollaborators.h"
@@ -51,6 +52,22 @@ TEST(ContractsTest, ExplainingAPairTellsTheRawValueFromWhatIsSent) {
   EXPECT_EQ(explained(6).raw, "4.1.0");
   EXPECT_EQ(explained(9).raw, "1");
   EXPECT_EQ(explained(9).sent, "1");
+}
+
+TEST(ContractsTest, ExplainingAPairTellsAnAbsentAnswerOfAnOperation) {
+  platform::install(nullptr);
+  TavloUniqueUserHandler::install(nullptr);
+  const auto explained = [](const Contract& contract, std::size_t row) {
+    return explain(contract.pairs[row], nullptr);
+  };
+
+  for (const RenderedPair& absent :
+       {explained(kInAppContract, 0), explained(kInAppContract, 20), explained(kUserContract, 3)}) {
+    EXPECT_EQ(absent.raw, std::nullopt);
+    EXPECT_EQ(absent.sent, "(null)");
+  }
+  EXPECT_EQ(explained(kUserContract, 0).raw, "0");
+  EXPECT_EQ(explained(kUserContract, 1).raw, "");
 }
 
 TEST(ContractsTest, ExplainingAPairReadsItsSourceOnce) {

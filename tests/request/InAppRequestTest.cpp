@@ -12,7 +12,6 @@ using test::Installed;
 using test::InstalledPlatform;
 using test::RecordingPackage;
 using test::RecordingPlatform;
-using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
 
@@ -96,6 +95,26 @@ TEST_F(InAppRequest, ReadsPackageAndStoreInTheOrderOfThePairs) {
                                                 "page",
                                                 "iosID"}));
   EXPECT_THAT(platform_->calls(), testing::IsEmpty());
+}
+
+TEST_F(InAppRequest, TakesThePackageOnceBeforeAnythingElse) {
+  // A settings store that takes the package away when it is asked for the app id.
+  class Removing final : public platform::Platform, private platform::UserDefaults {
+   public:
+    platform::UserDefaults& standardUserDefaults() override { return *this; }
+
+   private:
+    std::optional<Value> objectForKey(std::string_view) override {
+      TavloPackage::install(nullptr);
+      return std::nullopt;
+    }
+    void setObjectForKey(const Value&, std::string_view) override {}
+    bool synchronize() override { return true; }
+  };
+  platform::install(std::make_shared<Removing>());
+  package_->texts[PackageText::iosID] = "first";
+
+  EXPECT_THAT(request(), testing::EndsWith("&sessionId=first"));
 }
 
 TEST_F(InAppRequest, ReadsTheDeviceIdTwice) {

@@ -1,8 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cmath>
-
 #include "TavloUtility.h"
 #include "tests/support/RecordingCollaborators.h"
 #include "tests/support/RecordingPlatform.h"
@@ -151,9 +149,36 @@ TEST_F(TrackerPayload, ReadsEachSourceOnceInOrder) {
 
 TEST_F(TrackerPayload, KeepsItsEntriesInTheOrderOfTheContract) {
   const Value map = payload();
+  std::vector<std::string> keys;
+  for (const auto& [key, value] : *map.ifMap()) keys.push_back(*key.ifText());
 
-  EXPECT_EQ(map.ifMap()->begin()->first, Value("Key"));
-  EXPECT_EQ(std::prev(map.ifMap()->end())->first, Value(kEventCounts));
+  EXPECT_THAT(keys, ElementsAre("Key", "resolution", "preroll", "offerids", "appId", "os_version", "app_version",
+                                "device_id", "Page", "token", "timestamp", "app_bundle_name", "sdk_version",
+                                "advertisingID", "limitedTracking", "device_type", "connection_type",
+                                "screen_density_x", "screen_density_y", "swidth", "sheight", "screen_density_category",
+                                "carrier_name", "device_model", "language", "ru", "uud", "uud_n", "uuw", "uuw_n", "uum",
+                                "uum_n", "user_id", "track_id", "network_event_count"));
+}
+
+TEST_F(TrackerPayload, ReadsThePackageThenTheCountersThenTheRecords) {
+  std::vector<std::string> turns;
+  const auto turn = [&](const char* source) {
+    if (turns.empty() || turns.back() != source) turns.emplace_back(source);
+  };
+  package_->onRead = [&](std::string_view) { turn("package"); };
+  users_->onRead = [&] { turn("counters"); };
+  database_->onAsked = [&] { turn("records"); };
+
+  static_cast<void>(payload());
+
+  EXPECT_THAT(turns, ElementsAre("package", "counters", "records"));
+}
+
+TEST_F(TrackerPayload, TakesThePackageOnceAndKeepsToIt) {
+  package_->texts[PackageText::language] = "first";
+  package_->onRead = [](std::string_view) { TavloPackage::install(nullptr); };
+
+  EXPECT_EQ(*payload().ifMap()->find("language"), Value("first"));
 }
 
 TEST_F(TrackerPayload, AWriterBetweenTwoReadsLandsBetweenTwoEntries) {

@@ -1,4 +1,4 @@
-// Stand-ins for what the rest of the SDK brings, which record what they are asked.
+// Stand-ins for what the rest of the SDK brings, which record what they are asked. For one thread at a time.
 #pragma once
 
 #include <functional>
@@ -115,9 +115,13 @@ class RecordingUsers final : public TavloUniqueUserHandler {
   std::int32_t monthValue = 0;
   std::int32_t month = 0;
   mutable std::vector<std::string> reads;
+  std::function<void()> onRead = [] {};
 
  private:
-  void note(std::string_view name) const { reads.emplace_back(name); }
+  void note(std::string_view name) const {
+    reads.emplace_back(name);
+    onRead();
+  }
 };
 
 class RecordingDetail final : public NetworkTrackerDetail {
@@ -139,7 +143,7 @@ class RecordingDetail final : public NetworkTrackerDetail {
 
 class FixedDataBase final : public DataBaseHandler {
  public:
-  std::optional<NetworkTrackerDetails> getNetworkTrackerDetails() override { return ++asked, records; }
+  std::optional<NetworkTrackerDetails> getNetworkTrackerDetails() override { return ++asked, onAsked(), records; }
 
   std::shared_ptr<RecordingDetail> add(std::optional<Value> networkID, std::optional<Value> event,
                                        std::optional<Value> count) {
@@ -151,6 +155,7 @@ class FixedDataBase final : public DataBaseHandler {
 
   std::optional<NetworkTrackerDetails> records;
   int asked = 0;
+  std::function<void()> onAsked = [] {};
 };
 
 }  // namespace tavlo::test
