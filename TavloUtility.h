@@ -18,7 +18,7 @@
 // Threads  any operation on any thread, any time. Nothing is locked while a collaborator is called.
 // Throws   std::bad_alloc, and three things more: getCachedVideoList() on a file that is no keyed archive,
 //          the geocoder's answer with an empty list (from the handler), and whatever an installed
-//          TavloException throws.
+//          TavloException throws. Until they are built, the operations marked so throw std::logic_error.
 //
 // Names are the contract's, misspelt ones included; a selector of several words is one name here.
 #pragma once

@@ -40,10 +40,16 @@ Text shownValue(const IdentifierRow& row, bool reveal) {
   return masked ? Text("********") : value;
 }
 
+void installStored(const Run& run) {
+  const Place place(run.globals);
+  place.requireReadableSettings();
+  platform::install(place.makePlatform());
+}
+
 }  // namespace
 
 void execute(const GetIdentifier& command, const Run& run) {
-  platform::install(Place(run.globals).makePlatform());
+  installStored(run);
   answerText(shownValue(rowOf(command.identifier), command.reveal), run);
 }
 
@@ -65,7 +71,7 @@ void execute(const SetIdentifier& command, const Run& run) {
 }
 
 void execute(const ShowIdentifiers& command, const Run& run) {
-  platform::install(Place(run.globals).makePlatform());
+  installStored(run);
   ValueMap json;
   std::vector<std::vector<Cell>> rows;
   for (const IdentifierRow& row : kIdentifiers) {

@@ -108,7 +108,7 @@ class TreeBuilder {
   bool number_float(double value, const std::string& written) {
     if (written.find_first_of(".eE") != std::string::npos) return add(JsonNode::Kind::real, value);
     const auto integer = integerOf(written);
-    if (!integer) throw JsonError(position_.tokenLine, "expected an integer of at most 128 bits");
+    if (!integer) throw JsonError(position_.tokenLine, where() + "expected an integer of at most 128 bits");
     return add(JsonNode::Kind::integer, *integer);
   }
   bool string(std::string& value) { return add(JsonNode::Kind::text, std::move(value)); }
@@ -124,10 +124,27 @@ class TreeBuilder {
   bool end_array() { return close(); }
 
   bool parse_error(std::size_t /*byte*/, const std::string& /*token*/, const Json::exception& error) {
-    throw JsonError(position_.tokenLine, plainMessage(error.what()));
+    constexpr int kNumberOverflow = 406;
+    throw JsonError(position_.tokenLine, error.id == kNumberOverflow
+                                             ? where() + "expected a number that 64 bits can hold as a real"
+                                             : plainMessage(error.what()));
   }
 
  private:
+  // The value that comes next, as errors name it, and ": ".
+  [[nodiscard]] std::string where() const {
+    std::string path;
+    for (const JsonNode* const node : open_) {
+      if (node->kind == JsonNode::Kind::list) {
+        const bool innermost = node == open_.back();  // an outer list holds the one that is open already
+        path += "[" + std::to_string(node->items.size() - (innermost ? 0 : 1)) + "]";
+      } else {
+        path += (path.empty() ? "" : ".") + node->members.back().key;
+      }
+    }
+    return path.empty() ? path : path + ": ";
+  }
+
   JsonNode& place() {
     if (open_.empty()) return root_;
     JsonNode& parent = *open_.back();

@@ -8,6 +8,7 @@
 #include "cli/Errors.h"
 #include "host/Host.h"
 #include "platform/linux/LinuxPlatform.h"
+#include "platform/linux/SettingsFile.h"
 
 namespace tavlo::cli {
 namespace {
@@ -41,12 +42,25 @@ std::shared_ptr<platform::Platform> Place::makePlatform() const {
       {.container = container_.folder(), .domain = container_.domain(), .quietConsole = quiet_});
 }
 
+void Place::requireReadableSettings() const {
+  using linux_platform::SettingsFile;
+  const SettingsFile file(linux_platform::Syscalls::real(), settingsFile());
+  if (file.read().state == SettingsFile::State::unreadable) {
+    throw Failure("cannot read " + settingsFile().string() +
+                  "; check that it is a regular file of at most 64 MiB, in folders, and the rights to it");
+  }
+}
+
 std::shared_ptr<host::Database> Place::openDatabase() const {
   return std::make_shared<host::Database>(host::Host::databaseFile(container_.folder()));
 }
 
 std::shared_ptr<host::Database> Place::openExistingDatabase() const {
   std::error_code error;
+  const fs::file_status folder = fs::status(container_.folder(), error);
+  if (fs::exists(folder) && !fs::is_directory(folder)) {
+    throw Failure("the container " + container_.folder().string() + " is no folder; give another one");
+  }
   // Naming the database makes its folder, so that has to be there first.
   if (!fs::exists(container_.library(), error)) {
     if (error) throw Failure("cannot look into " + container_.folder().string() + ": " + error.message());

@@ -25,6 +25,10 @@ class Place {
   // A platform of the container, as a program that starts anew has it.
   [[nodiscard]] std::shared_ptr<platform::Platform> makePlatform() const;
 
+  // Settings that are missing are empty, damaged ones too; those that cannot be read at all must not pass for
+  // either. Throws Failure.
+  void requireReadableSettings() const;
+
   // The host's database, made when it is missing. Throws host::DatabaseError.
   [[nodiscard]] std::shared_ptr<host::Database> openDatabase() const;
 

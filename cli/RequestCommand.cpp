@@ -14,6 +14,7 @@ namespace {
 // records are read at once: a database that cannot be read is an error here, and not a request without them.
 void installStored(const Contract& contract, const Run& run) {
   const Place place(run.globals);
+  if (contract.name == kInAppContract.name) place.requireReadableSettings();
   platform::install(place.makePlatform());
   const bool readsDatabase = contract.name == kUserContract.name || contract.name == kTrackerContract.name;
   if (const auto database = readsDatabase ? place.openExistingDatabase() : nullptr) {

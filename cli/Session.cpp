@@ -23,24 +23,12 @@ class FixedCounters final : public TavloUniqueUserHandler {
   const UserCounters counters_;
 };
 
-class FixedRecord final : public NetworkTrackerDetail {
- public:
-  explicit FixedRecord(host::TrackerEvent record) : record_(std::move(record)) {}
-
-  std::optional<Value> networkID() const override { return record_.networkID; }
-  std::optional<Value> event() const override { return record_.event; }
-  std::optional<Value> count() const override { return record_.count; }
-
- private:
-  const host::TrackerEvent record_;
-};
-
 class FixedRecords final : public DataBaseHandler {
  public:
   explicit FixedRecords(std::optional<std::vector<host::TrackerEvent>> records) {
     if (!records) return;
     details_.emplace();
-    for (auto& record : *records) details_->push_back(std::make_shared<FixedRecord>(std::move(record)));
+    for (auto& record : *records) details_->push_back(host::detailOf(std::move(record)));
   }
 
   std::optional<NetworkTrackerDetails> getNetworkTrackerDetails() override { return details_; }

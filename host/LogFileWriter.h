@@ -5,7 +5,8 @@
 // Absent   the cache directory is never made here. While the file cannot be opened (no directory yet,
 //          something in the way that is no regular file, a symbolic link included), lines are held back,
 //          64 KiB at most with their newlines, and written before the next one that can be. What has no
-//          room is dropped, oldest first, and told by one line "(lines dropped: <count>)" in its place.
+//          room is dropped, oldest first, and told by one line "(lines dropped: <count>)" in its place, with
+//          the time of the last one whose time is known, else of 1970.
 // Durable  opened anew for each message, so the file and its directory may be cleared, removed or replaced at
 //          any time. Nothing is flushed to the disk itself: lines survive the process, not the machine. Lines
 //          that are held back end with the writer.

@@ -41,6 +41,10 @@ std::optional<Value> presentOf(const Value& stored) { return stored.isNull() ? s
 
 }  // namespace
 
+std::shared_ptr<const NetworkTrackerDetail> detailOf(TrackerEvent event) {
+  return std::make_shared<Detail>(std::move(event));
+}
+
 TrackerDatabase::TrackerDatabase(std::shared_ptr<Database> database) : database_(std::move(database)) {}
 
 void TrackerDatabase::addEvent(const Value& networkID, const Value& event, std::int64_t count) {
@@ -63,7 +67,7 @@ void TrackerDatabase::clear() { database_->run("DELETE FROM tracker_event"); }
 std::optional<NetworkTrackerDetails> TrackerDatabase::getNetworkTrackerDetails() {
   try {
     NetworkTrackerDetails details;
-    for (TrackerEvent& event : list()) details.push_back(std::make_shared<Detail>(std::move(event)));
+    for (TrackerEvent& event : list()) details.push_back(detailOf(std::move(event)));
     return details;
   } catch (const DatabaseError& error) {
     Logger::printLog(kUnreadable + std::string(error.what()));

@@ -33,6 +33,9 @@ struct TrackerEvent {
   friend bool operator==(const TrackerEvent&, const TrackerEvent&) = default;
 };
 
+// A record of this event.
+[[nodiscard]] std::shared_ptr<const NetworkTrackerDetail> detailOf(TrackerEvent event);
+
 class TrackerDatabase final : public DataBaseHandler {
  public:
   explicit TrackerDatabase(std::shared_ptr<Database> database);

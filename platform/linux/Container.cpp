@@ -47,7 +47,12 @@ std::optional<std::string> checkedDomain(const std::string& given, Syscalls& sys
 fs::path checkedFolder(const fs::path& given) {
   if (given.empty()) throw std::invalid_argument("the container is an empty path");
   if (given.native().find('\0') != std::string::npos) throw std::invalid_argument("the container's path holds a NUL");
-  const fs::path absolute = fs::absolute(given);
+  std::error_code error;
+  const fs::path absolute = fs::absolute(given, error);
+  if (error) {
+    throw std::invalid_argument("the container " + given.string() + " cannot be made absolute (" + error.message() +
+                                "): give an absolute path");
+  }
   return absolute.has_filename() ? absolute : absolute.parent_path();
 }
 

@@ -11,7 +11,8 @@
 //          executable's name and that cannot be read or is no domain.
 // Threads  a Container is a value; folders may be made by any number of threads and processes at once.
 // Throws   std::invalid_argument from locate() for a given domain that is none, or a given folder that is
-//          empty or holds a NUL. The message says which, and what is allowed.
+//          empty, holds a NUL, or is relative to a current folder that is gone. The message says which, and what is
+//          allowed.
 #pragma once
 
 #include <filesystem>

@@ -114,6 +114,14 @@ TEST_F(EventCommandTest, ContainerThatIsAFileIsAnError) {
   EXPECT_THAT(result.err, testing::StartsWith("tavlo: the database " + container() + "/Library/tracker.sqlite "));
 }
 
+TEST_F(EventCommandTest, ContainerThatIsAFileDoesNotPassForAnEmptyOne) {
+  ::tavlo::test::writeFile(container(), "");
+  const Result noFolder = {1, "", "tavlo: the container " + container() + " is no folder; give another one\n"};
+
+  EXPECT_EQ(tavlo({"event", "list"}), noFolder);
+  EXPECT_EQ(tavlo({"request", "user"}), noFolder);
+}
+
 TEST_F(EventCommandTest, TrackerRequestSendsTheStoredRecords) {
   add({"network-7", "impression", "3"});
   const Result lone = tavlo({"request", "tracker", "--quiet"});

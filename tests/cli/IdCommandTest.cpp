@@ -99,6 +99,19 @@ TEST_F(IdCommandTest, ValueThatCannotBeWrittenIsAnError) {
                         "free space, and whether another program holds its lock\n"}));
 }
 
+TEST_F(IdCommandTest, SettingsThatCannotBeReadDoNotPassForAbsentOnes) {
+  const std::string settings = container() + "/Library/Preferences/tavlo.plist";
+  std::filesystem::create_directories(settings);
+  const Result unreadable = {1, "",
+                             "tavlo: cannot read " + settings +
+                                 "; check that it is a regular file of at most 64 MiB, in folders, and the rights "
+                                 "to it\n"};
+
+  EXPECT_EQ(id({"get", "app"}), unreadable);
+  EXPECT_EQ(id({"show"}), unreadable);
+  EXPECT_EQ(run({"request", "in-app"}, {.environment = {{"TAVLO_CONTAINER", container()}}}), unreadable);
+}
+
 TEST_F(IdCommandTest, DomainsAreSettingsOfTheirOwn) {
   put("app", "a");
 

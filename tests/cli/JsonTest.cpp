@@ -61,7 +61,7 @@ TEST(JsonTest, LongerIntegersAreRefused) {
       FAIL() << digits;
     } catch (const JsonError& error) {
       EXPECT_EQ(error.line(), 3U);
-      EXPECT_STREQ(error.what(), "expected an integer of at most 128 bits");
+      EXPECT_STREQ(error.what(), "[0]: expected an integer of at most 128 bits");
     }
   }
 }

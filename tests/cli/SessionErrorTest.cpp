@@ -88,8 +88,9 @@ const std::vector<ErrorCase> kNumbers{
     {"IntegerAbove64Bits", R"({"package": {"preRoll": 18446744073709551616}})",
      "1: package.preRoll: expected an integer from -2147483648 to 2147483647, got 18446744073709551616"},
     {"IntegerAbove128Bits", "{\"trackerRecords\": [{\"count\":\n170141183460469231731687303715884105728}]}",
-     "2: expected an integer of at most 128 bits"},
-    {"RealBeyondAll", "{\"trackerRecords\": [{\"count\":\n1e999}]}", "2: broken JSON: number overflow parsing '1e999'"},
+     "2: trackerRecords[0].count: expected an integer of at most 128 bits"},
+    {"RealBeyondAll", "{\"trackerRecords\": [{\"count\":\n1e999}]}",
+     "2: trackerRecords[0].count: expected a number that 64 bits can hold as a real"},
 };
 
 const std::vector<ErrorCase> kBroken{

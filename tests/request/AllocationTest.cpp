@@ -14,15 +14,15 @@ std::atomic<int> allocations = 0;
 
 }  // namespace
 
-// Not inlined, or the compiler takes the pair of malloc and delete for a mistake.
+// None is inlined, or the compiler takes malloc and delete, or new and free, for a mistake.
 [[gnu::noinline]] void* operator new(std::size_t size) {
   ++allocations;
   if (void* const memory = std::malloc(size > 0 ? size : 1)) return memory;
   throw std::bad_alloc();
 }
 
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace tavlo {
 namespace {

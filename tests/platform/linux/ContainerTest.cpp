@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <cstdlib>
 #include <map>
 #include <stdexcept>
 
@@ -117,6 +119,24 @@ TEST(Container, AGivenFolderThatIsNoPathIsAnError) {
 
   EXPECT_EQ(message(""), "the container is an empty path");
   EXPECT_EQ(message(std::string("/a\0b", 4)), "the container's path holds a NUL");
+}
+
+TEST(ContainerDeathTest, ARelativeFolderBelowAFolderThatIsGoneIsAnErrorThatSaysSo) {
+  const auto locateBelowNothing = [] {
+    const test::TemporaryFolder gone;
+    fs::current_path(gone.path());
+    fs::remove(gone.path());
+    try {
+      static_cast<void>(Container::locate("box", "app"));
+    } catch (const std::invalid_argument& error) {
+      std::fputs(error.what(), stderr);
+      std::_Exit(7);
+    }
+    std::_Exit(0);
+  };
+
+  EXPECT_EXIT(locateBelowNothing(), testing::ExitedWithCode(7),
+              "the container box cannot be made absolute \\(.*\\): give an absolute path");
 }
 
 TEST(Container, AGivenDomainThatIsNoFileNameIsAnErrorThatSaysSo) {
