@@ -12,7 +12,9 @@ namespace tavlo {
 namespace {
 
 // A value that shows when it is torn: one letter, all over, longer than any small-text buffer.
-std::string whole(int number) { return std::string(40 + number % 24, static_cast<char>('a' + number % 26)); }
+std::string whole(int number) {
+  return std::string(static_cast<std::size_t>(40 + number % 24), static_cast<char>('a' + number % 26));
+}
 
 bool isWhole(std::string_view value) {
   return !value.empty() && value == std::string(value.size(), value.front()) && value.size() >= 40 && value.size() < 64;
