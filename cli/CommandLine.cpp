@@ -96,26 +96,38 @@ class Parser {
     std::transform(arguments.rbegin(), arguments.rend(), std::back_inserter(reversed), marked);
     try {
       root_.parse(std::move(reversed));
+      return {.globals = globals(), .command = command()};
     } catch (const CLI::CallForHelp&) {
       return {.globals = {}, .command = Help{root_.help()}};
     } catch (const CLI::CallForVersion& version) {
       return {.globals = {}, .command = Help{version.what() + std::string("\n")}};
     } catch (const CLI::ParseError& error) {
-      fail(error.what());
+      throw UsageError(whatIsWrong(error.what()), commandWords());
+    } catch (const UsageError& error) {
+      throw UsageError(error.what(), commandWords());
     }
-    return {.globals = globals(), .command = command()};
   }
 
  private:
   // A word that nothing takes is told before what is missing: it is often what should have been there.
-  [[noreturn]] void fail(std::string message) const {
+  [[nodiscard]] std::string whatIsWrong(std::string message) const {
     for (const std::string& word : root_.remaining(true)) {
       if (word == "--") continue;
       message = "\"" + word + "\" is unexpected here";
       break;
     }
     std::erase(message, kMark);
-    throw UsageError(message);
+    return message;
+  }
+
+  // The command as far as the arguments name one: "tavlo id set".
+  [[nodiscard]] std::string commandWords() const {
+    std::string words = root_.get_name();
+    for (const CLI::App* app = &root_; !app->get_subcommands().empty();) {
+      app = app->get_subcommands().front();
+      words += " " + app->get_name();
+    }
+    return words;
   }
 
   static CLI::App& addCommand(CLI::App& parent, const char* name, const char* description, const char* footer) {

@@ -30,7 +30,7 @@ int runProgram(std::span<const std::string> arguments) noexcept try {
   runOrThrow(arguments);
   return 0;
 } catch (const UsageError& error) {
-  reportError(std::string(error.what()) + "; see tavlo --help");
+  reportError(std::string(error.what()) + "; see " + error.command() + " --help");
   return kUsedWrongly;
 } catch (const Failure& error) {
   reportError(error.what());

@@ -14,6 +14,7 @@ struct UsageCase {
   const char* name;
   std::vector<std::string> arguments;
   const char* message;
+  const char* help = "tavlo";  // the command whose help it points to
 };
 
 void PrintTo(const UsageCase& row, std::ostream* stream) { *stream << row.name; }
@@ -22,7 +23,7 @@ class UsageErrorTest : public testing::TestWithParam<UsageCase> {};
 
 TEST_P(UsageErrorTest, IsExitCodeTwoOneLineAndNoAnswer) {
   EXPECT_EQ(run(GetParam().arguments),
-            (Result{2, "", std::string("tavlo: ") + GetParam().message + "; see tavlo --help\n"}));
+            (Result{2, "", std::string("tavlo: ") + GetParam().message + "; see " + GetParam().help + " --help\n"}));
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -31,22 +32,35 @@ INSTANTIATE_TEST_SUITE_P(
         {"NoCommand", {}, "A subcommand is required"},
         {"OnlyOptions", {"--quiet"}, "A subcommand is required"},
         {"UnknownCommand", {"frobnicate"}, "\"frobnicate\" is unexpected here"},
-        {"UnknownOption", {"md5", "a", "--loud"}, "\"--loud\" is unexpected here"},
-        {"TextTooMany", {"id", "get", "app", "[x]"}, "\"[x]\" is unexpected here"},
-        {"NoRequest", {"request"}, "NAME is required"},
-        {"UnknownRequest", {"request", "video"}, "the request \"video\" is none of ad, in-app, user, tracker"},
-        {"SessionWithoutItsFile", {"request", "ad", "--session"}, "--session: 1 required FILE missing"},
-        {"NoIdentifierCommand", {"id"}, "A subcommand is required"},
+        {"UnknownOption", {"md5", "a", "--loud"}, "\"--loud\" is unexpected here", "tavlo md5"},
+        {"TextTooMany", {"id", "get", "app", "[x]"}, "\"[x]\" is unexpected here", "tavlo id get"},
+        {"NoRequest", {"request"}, "NAME is required", "tavlo request"},
+        {"UnknownRequest",
+         {"request", "video"},
+         "the request \"video\" is none of ad, in-app, user, tracker",
+         "tavlo request"},
+        {"SessionWithoutItsFile",
+         {"request", "ad", "--session"},
+         "--session: 1 required FILE missing",
+         "tavlo request"},
+        {"NoIdentifierCommand", {"id"}, "A subcommand is required", "tavlo id"},
         {"UnknownIdentifier",
          {"id", "get", "secret"},
-         "the key \"secret\" is none of app, optional, security, ApplicationId, OptionalId, SecurityKey"},
-        {"NoIdentifierValue", {"id", "set", "app"}, "VALUE is required"},
-        {"UnknownContract", {"contract", "video"}, "the request \"video\" is none of ad, in-app, user, tracker"},
-        {"UnknownFormat", {"contract", "ad", "--format", "xml"}, "the format \"xml\" is none of table, json, markdown"},
-        {"NoEventCommand", {"event"}, "A subcommand is required"},
-        {"NoEvent", {"event", "add", "n"}, "EVENT is required"},
-        {"DashesAreNoWord", {"event", "add", "--", "n"}, "EVENT is required"},
-        {"UnknownColor", {"demo", "--color", "red"}, "the colour \"red\" is none of auto, always, never"},
+         "the key \"secret\" is none of app, optional, security, ApplicationId, OptionalId, SecurityKey",
+         "tavlo id get"},
+        {"NoIdentifierValue", {"id", "set", "app"}, "VALUE is required", "tavlo id set"},
+        {"UnknownContract",
+         {"contract", "video"},
+         "the request \"video\" is none of ad, in-app, user, tracker",
+         "tavlo contract"},
+        {"UnknownFormat",
+         {"contract", "ad", "--format", "xml"},
+         "the format \"xml\" is none of table, json, markdown",
+         "tavlo contract"},
+        {"NoEventCommand", {"event"}, "A subcommand is required", "tavlo event"},
+        {"NoEvent", {"event", "add", "n"}, "EVENT is required", "tavlo event add"},
+        {"DashesAreNoWord", {"event", "add", "--", "n"}, "EVENT is required", "tavlo event add"},
+        {"UnknownColor", {"demo", "--color", "red"}, "the colour \"red\" is none of auto, always, never", "tavlo demo"},
         {"DomainWithSlash",
          {"id", "show", "--domain", "a/b"},
          "the domain \"a/b\" is no file name: it must have 1 to 240 bytes, no \"/\" and no NUL, and be neither \".\" "

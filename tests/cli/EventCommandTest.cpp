@@ -77,10 +77,10 @@ TEST_F(EventCommandTest, ClearRemovesAll) {
 
 TEST_F(EventCommandTest, WhatIsNoCountIsAUsageError) {
   for (const std::string count : {"0", "-5", "1.5", "+1", "", " 1", "x", "1x", "9223372036854775808"}) {
-    EXPECT_EQ(
-        tavlo({"event", "add", "n", "e", count}),
-        (Result{2, "",
-                "tavlo: COUNT \"" + count + "\" is no integer from 1 to 9223372036854775807; see tavlo --help\n"}));
+    EXPECT_EQ(tavlo({"event", "add", "n", "e", count}),
+              (Result{2, "",
+                      "tavlo: COUNT \"" + count +
+                          "\" is no integer from 1 to 9223372036854775807; see tavlo event add --help\n"}));
   }
   EXPECT_FALSE(std::filesystem::exists(container()));
 }
