@@ -14,27 +14,17 @@ namespace {
 using test::asciiObject;
 using test::bigEndianBytes;
 using test::errorOf;
+using test::expectErrors;
 using test::expectValueOrError;
 using test::fromHex;
+using test::kAllOnes;
+using test::kTwoTo31;
+using test::kTwoTo61;
+using test::kTwoTo62;
+using test::kTwoTo63;
 using test::rawList;
 using test::RawPropertyList;
 using test::topObject;
-
-constexpr std::uint64_t kTwoTo31 = std::uint64_t{1} << 31U;
-constexpr std::uint64_t kTwoTo61 = std::uint64_t{1} << 61U;
-constexpr std::uint64_t kTwoTo62 = std::uint64_t{1} << 62U;
-constexpr std::uint64_t kTwoTo63 = std::uint64_t{1} << 63U;
-constexpr std::uint64_t kAllOnes = ~std::uint64_t{0};
-
-struct Bad {
-  const char* name;
-  std::string bytes;
-  const char* error;
-};
-
-void expectErrors(const std::vector<Bad>& cases) {
-  for (const auto& [name, bytes, error] : cases) EXPECT_EQ(errorOf(bytes), error) << name;
-}
 
 struct Container {
   const char* name;

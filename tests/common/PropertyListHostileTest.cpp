@@ -12,24 +12,14 @@ namespace {
 
 using test::bigEndianBytes;
 using test::errorOf;
+using test::expectErrors;
+using test::kAllOnes;
+using test::kTwoTo31;
+using test::kTwoTo61;
+using test::kTwoTo62;
+using test::kTwoTo63;
 using test::RawPropertyList;
 using test::soundList;
-
-constexpr std::uint64_t kTwoTo31 = std::uint64_t{1} << 31U;
-constexpr std::uint64_t kTwoTo61 = std::uint64_t{1} << 61U;
-constexpr std::uint64_t kTwoTo62 = std::uint64_t{1} << 62U;
-constexpr std::uint64_t kTwoTo63 = std::uint64_t{1} << 63U;
-constexpr std::uint64_t kAllOnes = ~std::uint64_t{0};
-
-struct Bad {
-  const char* name;
-  std::string bytes;
-  const char* error;
-};
-
-void expectErrors(const std::vector<Bad>& cases) {
-  for (const auto& [name, bytes, error] : cases) EXPECT_EQ(errorOf(bytes), error) << name;
-}
 
 TEST(PropertyListHostile, OtherFormatsAreRefusedByName) {
   const char* const xml = "an XML property list; only the binary form is read";

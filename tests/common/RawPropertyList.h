@@ -98,4 +98,21 @@ inline RawPropertyList topObject(const std::string& object) {
   return list;
 }
 
+inline constexpr std::uint64_t kTwoTo31 = std::uint64_t{1} << 31U;
+inline constexpr std::uint64_t kTwoTo61 = std::uint64_t{1} << 61U;
+inline constexpr std::uint64_t kTwoTo62 = std::uint64_t{1} << 62U;
+inline constexpr std::uint64_t kTwoTo63 = std::uint64_t{1} << 63U;
+inline constexpr std::uint64_t kAllOnes = ~std::uint64_t{0};
+
+// A file that must not decode, and what decoding says of it.
+struct Bad {
+  const char* name;
+  std::string bytes;
+  const char* error;
+};
+
+inline void expectErrors(const std::vector<Bad>& cases) {
+  for (const auto& [name, bytes, error] : cases) EXPECT_EQ(errorOf(bytes), error) << name;
+}
+
 }  // namespace tavlo::test
