@@ -19,22 +19,48 @@ class NoConsole final : public Console {
   void log(std::string_view) override {}
 };
 
+class NoFileManager final : public FileManager {
+ public:
+  Text documentDirectory() override { return std::nullopt; }
+  Existence fileExistsAtPathIsDirectory(const Text&) override { return Existence::missing; }
+  FileResult removeItemAtPath(const Text&, Removal) override { return notAvailable(); }
+  FileResult createDirectoryAtPath(const Text&) override { return notAvailable(); }
+  std::optional<std::vector<std::string>> contentsOfDirectoryAtPath(const Text&) override { return std::nullopt; }
+  std::optional<std::string> dataWithContentsOfFile(const Text&) override { return std::nullopt; }
+  FileResult writeToFileAtomically(std::string_view, const Text&, Durable) override { return notAvailable(); }
+
+ private:
+  static FileResult notAvailable() { return FileResult::failure("no file service is available"); }
+};
+
+class NoBackgroundQueue final : public BackgroundQueue {
+ public:
+  void dispatchAsync(std::function<void()>) override {}
+};
+
+class NoUrlData final : public UrlData {
+ public:
+  std::optional<std::string> dataWithContentsOfUrl(std::string_view) override { return std::nullopt; }
+};
+
 // Constant-initialised, so that a platform library may set it before this file's own initialisation.
 constinit std::atomic<Factory> defaultFactory{nullptr};
 
-}  // namespace
-
 // What stands for a missing service is never destroyed, like the slots: threads and exit handlers may still
 // ask for it while the process ends.
-UserDefaults& Platform::standardUserDefaults() {
-  static auto* const none = new NoUserDefaults;
-  return *none;
+template <class Service>
+Service& theOne() {
+  static auto* const one = new Service;
+  return *one;
 }
 
-Console& Platform::console() {
-  static auto* const none = new NoConsole;
-  return *none;
-}
+}  // namespace
+
+UserDefaults& Platform::standardUserDefaults() { return theOne<NoUserDefaults>(); }
+Console& Platform::console() { return theOne<NoConsole>(); }
+FileManager& Platform::fileManager() { return theOne<NoFileManager>(); }
+BackgroundQueue& Platform::backgroundQueue() { return theOne<NoBackgroundQueue>(); }
+UrlData& Platform::urlData() { return theOne<NoUrlData>(); }
 
 void install(std::shared_ptr<Platform> platform) { processSlot<Platform>().store(std::move(platform)); }
 

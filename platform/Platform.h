@@ -1,15 +1,19 @@
 // Platform: everything that the component needs of the world outside, one interface a service.
 //
 // Absent   a service that a platform does not override answers "not available": settings hold nothing and
-//          fail to synchronize, console messages are dropped. The same holds for every service while no
-//          platform is installed and none is linked.
+//          fail to synchronize, console messages and background tasks are dropped, files are missing and cannot
+//          be made, no URL has data. The same holds for every service while no platform is installed and none
+//          is linked.
 // Threads  any thread, any time. install() takes effect for the next call of current(); a caller that holds
 //          the old platform keeps it alive.
 #pragma once
 
 #include <memory>
 
+#include "platform/BackgroundQueue.h"
 #include "platform/Console.h"
+#include "platform/FileManager.h"
+#include "platform/UrlData.h"
 #include "platform/UserDefaults.h"
 
 namespace tavlo::platform {
@@ -23,6 +27,9 @@ class Platform {
 
   [[nodiscard]] virtual UserDefaults& standardUserDefaults();
   [[nodiscard]] virtual Console& console();
+  [[nodiscard]] virtual FileManager& fileManager();
+  [[nodiscard]] virtual BackgroundQueue& backgroundQueue();
+  [[nodiscard]] virtual UrlData& urlData();
 };
 
 // Puts a platform in place for the whole process; nullptr takes it out again, so that the next current()

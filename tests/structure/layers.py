@@ -12,7 +12,7 @@ FACE = "TavloUtility.h"
 ROOMS = ("request", "cache", "identity", "location", "resources")
 ROOM_ARROWS = {"common", "platform", FACE}
 HOST_API = {"request/TavloPackage.h", "request/PackageReads.h", "request/TavloUniqueUserHandler.h",
-            "request/DataBaseHandler.h"}
+            "request/DataBaseHandler.h", "cache/KeyedArchive.h"}
 
 # What a folder may include besides its own files: folders and single headers.
 ARROWS = {
@@ -28,6 +28,7 @@ SYSTEM_USERS = {"platform/linux", "cli"}
 
 # Each library's headers stand in one file only, of this folder.
 LIBRARIES = {
+    "libcurl": (r"curl/.+", "platform/linux"),
     "SQLite": (r"sqlite3\.h", "host"),
     "CLI11": (r"CLI/.+", "cli"),
     "nlohmann-json": (r"nlohmann/.+", "cli"),
