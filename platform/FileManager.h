@@ -54,7 +54,7 @@ class FileManager {
 
   // What a path leads to. Links are followed; what cannot be looked at is missing.
   [[nodiscard]] virtual Existence fileExistsAtPathIsDirectory(const Text& path) = 0;
-  [[nodiscard]] bool fileExistsAtPath(const Text& path) {
+  [[nodiscard]] virtual bool fileExistsAtPath(const Text& path) {
     return fileExistsAtPathIsDirectory(path) != Existence::missing;
   }
 

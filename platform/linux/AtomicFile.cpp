@@ -82,11 +82,11 @@ void removeIfAbandoned(Syscalls& syscalls, const std::filesystem::path& path) {
 }  // namespace
 
 bool replaceFile(Syscalls& syscalls, const std::filesystem::path& temporaryFolder, const std::filesystem::path& target,
-                 std::string_view bytes) {
+                 std::string_view bytes, platform::Durable durable) {
   sweepTemporaries(syscalls, temporaryFolder);
   Temporary temporary(syscalls, temporaryFolder);
   return temporary && temporary.write(bytes) && temporary.renameTo(target) &&
-         syncFolder(syscalls, target.parent_path());
+         (durable == platform::Durable::contents || syncFolder(syscalls, target.parent_path()));
 }
 
 void sweepTemporaries(Syscalls& syscalls, const std::filesystem::path& temporaryFolder) {

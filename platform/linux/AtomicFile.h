@@ -14,14 +14,17 @@
 #include <filesystem>
 #include <string_view>
 
+#include "platform/FileManager.h"
 #include "platform/linux/Syscalls.h"
 
 namespace tavlo::linux_platform {
 
 // Writes the bytes to a temporary in the folder, which must be of the target's file system. Abandoned
-// temporaries are swept first, so that they cannot fill a disk that the new file then has no room on.
+// temporaries are swept first, so that they cannot fill a disk that the new file then has no room on. With
+// Durable::contents only the bytes are flushed: after a crash of the machine the old file may be back, whole.
 [[nodiscard]] bool replaceFile(Syscalls& syscalls, const std::filesystem::path& temporaryFolder,
-                               const std::filesystem::path& target, std::string_view bytes);
+                               const std::filesystem::path& target, std::string_view bytes,
+                               platform::Durable durable = platform::Durable::name);
 
 // Removes the temporaries whose owner is gone. What it cannot remove stays for the next sweep.
 void sweepTemporaries(Syscalls& syscalls, const std::filesystem::path& temporaryFolder);

@@ -4,6 +4,7 @@
 #include <sys/file.h>
 
 #include <array>
+#include <cstdint>
 
 namespace tavlo::linux_platform {
 
@@ -40,6 +41,20 @@ std::optional<std::string> readWhole(Syscalls& syscalls, int fd, std::size_t lim
       return std::nullopt;
     }
   }
+}
+
+std::optional<std::string> readRegularFile(Syscalls& syscalls, const std::filesystem::path& path, std::size_t limit) {
+  const FileDescriptor file = openFile(syscalls, path, O_RDONLY | O_NONBLOCK | O_NOCTTY);
+  struct stat status {};
+  if (!file || uninterrupted([&] { return syscalls.fstat(file.get(), &status); }) != 0) return std::nullopt;
+  if (!S_ISREG(status.st_mode)) {
+    errno = EINVAL;
+  } else if (static_cast<std::uintmax_t>(status.st_size) > limit) {
+    errno = EFBIG;
+  } else {
+    return readWhole(syscalls, file.get(), limit);
+  }
+  return std::nullopt;
 }
 
 bool tryLock(Syscalls& syscalls, int fd) {

@@ -60,6 +60,11 @@ class FileDescriptor {
 // The bytes up to the end of the file. Fails with EFBIG when there are more than `limit`.
 [[nodiscard]] std::optional<std::string> readWhole(Syscalls& syscalls, int fd, std::size_t limit);
 
+// The bytes of the regular file at the path, a link being followed. Fails without blocking when something else
+// is there, and with EFBIG when there are more than `limit`.
+[[nodiscard]] std::optional<std::string> readRegularFile(Syscalls& syscalls, const std::filesystem::path& path,
+                                                         std::size_t limit);
+
 // Takes an exclusive lock without waiting for it.
 [[nodiscard]] bool tryLock(Syscalls& syscalls, int fd);
 

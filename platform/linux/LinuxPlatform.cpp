@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "platform/linux/Container.h"
+#include "platform/linux/LinuxFileManager.h"
 #include "platform/linux/SettingsStore.h"
 #include "platform/linux/StandardErrorConsole.h"
 
@@ -21,6 +22,12 @@ class LinuxPlatform final : public platform::Platform {
     return *settings_;
   }
 
+  platform::FileManager& fileManager() override {
+    if (!container_) return Platform::fileManager();
+    std::call_once(filesMade_, [this] { files_.emplace(*container_); });
+    return *files_;
+  }
+
   platform::Console& console() override { return quietConsole_ ? Platform::console() : console_; }
 
  private:
@@ -29,6 +36,8 @@ class LinuxPlatform final : public platform::Platform {
   StandardErrorConsole console_;
   std::once_flag settingsMade_;
   std::optional<SettingsStore> settings_;
+  std::once_flag filesMade_;
+  std::optional<LinuxFileManager> files_;
 };
 
 }  // namespace

@@ -6,7 +6,7 @@
 //
 // Values   see Options. Nothing is read or made on disk before the first service that needs it is used.
 // Absent   when there is no place for a container (no container given, no XDG_DATA_HOME, no HOME, no entry
-//          in the password database) settings hold nothing and fail to synchronize.
+//          in the password database) settings hold nothing and fail to synchronize, and there are no files.
 // Threads  make() and every service: any thread, any time. After fork() in a program of several threads the
 //          child must not use them before exec().
 // Throws   std::invalid_argument from make(), with a message that names the option, when the domain or the

@@ -16,6 +16,25 @@
 #include <thread>
 
 namespace tavlo::linux_platform {
+namespace {
+
+// Closes the folder; nullptr is one that could not be opened.
+std::optional<std::vector<std::string>> namesIn(DIR* opened) {
+  const std::unique_ptr<DIR, int (*)(DIR*)> folder(opened, &::closedir);
+  if (!folder) return std::nullopt;
+  std::vector<std::string> names;
+  for (;;) {
+    errno = 0;
+    const dirent* const entry = ::readdir(folder.get());
+    if (!entry) break;
+    const std::string_view name = entry->d_name;
+    if (name != "." && name != "..") names.emplace_back(name);
+  }
+  if (errno != 0) return std::nullopt;
+  return names;
+}
+
+}  // namespace
 
 Syscalls& Syscalls::real() {
   static auto* const real = new Syscalls;  // never destroyed: threads may still write while the process leaves main
@@ -33,20 +52,17 @@ int Syscalls::stat(const char* path, struct stat* status) { return ::stat(path, 
 int Syscalls::mkdir(const char* path, mode_t mode) { return ::mkdir(path, mode); }
 int Syscalls::rename(const char* from, const char* to) { return ::rename(from, to); }
 int Syscalls::unlink(const char* path) { return ::unlink(path); }
+int Syscalls::openat(int folder, const char* name, int flags) { return ::openat(folder, name, flags); }
+int Syscalls::unlinkat(int folder, const char* name, int flags) { return ::unlinkat(folder, name, flags); }
 
-std::optional<std::vector<std::string>> Syscalls::folderNames(const char* path) {
-  const std::unique_ptr<DIR, int (*)(DIR*)> folder(::opendir(path), &::closedir);
-  if (!folder) return std::nullopt;
-  std::vector<std::string> names;
-  for (;;) {
-    errno = 0;
-    const dirent* const entry = ::readdir(folder.get());
-    if (!entry) break;
-    const std::string_view name = entry->d_name;
-    if (name != "." && name != "..") names.emplace_back(name);
-  }
-  if (errno != 0) return std::nullopt;
-  return names;
+std::optional<std::vector<std::string>> Syscalls::folderNames(const char* path) { return namesIn(::opendir(path)); }
+
+std::optional<std::vector<std::string>> Syscalls::openFolderNames(int folder) {
+  const int copy = ::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);  // with a position of its own
+  if (copy < 0) return std::nullopt;
+  DIR* const opened = ::fdopendir(copy);
+  if (!opened) ::close(copy);
+  return namesIn(opened);
 }
 
 std::optional<std::string> Syscalls::readlink(const char* path) {

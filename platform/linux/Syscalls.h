@@ -39,9 +39,12 @@ class Syscalls {
   virtual int mkdir(const char* path, mode_t mode);
   virtual int rename(const char* from, const char* to);
   virtual int unlink(const char* path);
+  virtual int openat(int folder, const char* name, int flags);
+  virtual int unlinkat(int folder, const char* name, int flags);
 
-  // The names in a folder but "." and "..", in no order.
+  // The names in a folder but "." and "..", in no order; in one that is open already, which stays so.
   virtual std::optional<std::vector<std::string>> folderNames(const char* path);
+  virtual std::optional<std::vector<std::string>> openFolderNames(int folder);
 
   // The target of a symbolic link.
   virtual std::optional<std::string> readlink(const char* path);

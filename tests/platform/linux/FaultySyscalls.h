@@ -2,6 +2,8 @@
 // that can be turned.
 #pragma once
 
+#include <fcntl.h>
+
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
@@ -90,9 +92,25 @@ class FaultySyscalls final : public linux_platform::Syscalls {
     return allowed("rename", label(from) + " " + label(to)) ? Syscalls::rename(from, to) : -1;
   }
   int unlink(const char* path) override { return allowed("unlink", label(path)) ? Syscalls::unlink(path) : -1; }
+  int openat(int folder, const char* name, int flags) override {
+    if (!allowed("openat", label(folder, name))) return -1;
+    const int fd = Syscalls::openat(folder, name, flags);
+    const std::string opened = label(folder, name);
+    const std::lock_guard lock(mutex_);
+    if (fd >= 0) open_[fd] = opened;
+    return fd;
+  }
+  int unlinkat(int folder, const char* name, int flags) override {
+    const char* const call = (flags & AT_REMOVEDIR) != 0 ? "rmdirat" : "unlinkat";
+    return allowed(call, label(folder, name)) ? Syscalls::unlinkat(folder, name, flags) : -1;
+  }
   std::optional<std::vector<std::string>> folderNames(const char* path) override {
     if (!allowed("folderNames", label(path))) return std::nullopt;
     return Syscalls::folderNames(path);
+  }
+  std::optional<std::vector<std::string>> openFolderNames(int folder) override {
+    if (!allowed("openFolderNames", label(folder))) return std::nullopt;
+    return Syscalls::openFolderNames(folder);
   }
 
   std::chrono::steady_clock::time_point steadyNow() override { return Syscalls::steadyNow() + turned(); }
@@ -126,6 +144,13 @@ class FaultySyscalls final : public linux_platform::Syscalls {
     const std::lock_guard lock(mutex_);
     const auto opened = open_.find(fd);
     return opened == open_.end() ? "?" : opened->second;
+  }
+  // A name in an open folder; ".." of it is the folder above.
+  [[nodiscard]] std::string label(int folder, const std::string& name) const {
+    if (folder == AT_FDCWD) return label(name);
+    const std::string above = label(folder);
+    if (name == "..") return above.substr(0, above.rfind('/'));
+    return above + '/' + name;
   }
 
   const std::string root_;

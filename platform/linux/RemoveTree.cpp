@@ -1,0 +1,144 @@
+#include "platform/linux/RemoveTree.h"
+
+#include <fcntl.h>
+
+#include <cerrno>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "platform/linux/FileOps.h"
+
+namespace tavlo::linux_platform {
+namespace {
+
+constexpr int kFolder = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK;
+
+// What is done with a folder's entries, deepest folder first. Only the folder at work and the one that is about
+// to be are open; the way back is "..", and is checked.
+class Remover {
+ public:
+  explicit Remover(Syscalls& syscalls) : syscalls_(syscalls) {}
+
+  // Empties the folder as far as it can be.
+  void empty(FileDescriptor folder) {
+    if (!enter(std::move(folder), "")) return note();
+    while (!levels_.empty()) {
+      Level& level = levels_.back();
+      if (level.names.empty()) {
+        if (!leave()) return;
+        continue;
+      }
+      const std::string name = std::move(level.names.back());
+      level.names.pop_back();
+      remove(name);
+    }
+  }
+
+  [[nodiscard]] int error() const { return error_; }
+
+ private:
+  struct Level {
+    std::vector<std::string> names;  // still to be removed
+    std::string name;                // in the folder above
+    dev_t device = 0;
+    ino_t inode = 0;
+  };
+
+  void remove(const std::string& name) {
+    if (unlink(name, 0)) return;
+    if (errno != EISDIR) return note();
+    FileDescriptor child(syscalls_,
+                         uninterrupted([&] { return syscalls_.openat(folder_.get(), name.c_str(), kFolder); }));
+    if (child && enter(std::move(child), name)) return;
+    const int error = errno;
+    if (unlink(name, AT_REMOVEDIR)) return;  // it cannot be looked into, but it was empty
+    errno = error;
+    note();
+  }
+
+  // False: it cannot be looked into, or has no way back; errno tells.
+  [[nodiscard]] bool enter(FileDescriptor folder, const std::string& name) {
+    Level level;
+    level.name = name;
+    if (!levels_.empty() && !above(folder, levels_.back())) return false;
+    struct stat status {};
+    if (uninterrupted([&] { return syscalls_.fstat(folder.get(), &status); }) != 0) return false;
+    auto names = syscalls_.openFolderNames(folder.get());
+    if (!names) return false;
+    level.names = std::move(*names);
+    level.device = status.st_dev;
+    level.inode = status.st_ino;
+    levels_.push_back(std::move(level));
+    folder_ = std::move(folder);
+    return true;
+  }
+
+  // False: the folder above is not the one that it was, so nothing more may be removed.
+  [[nodiscard]] bool leave() {
+    const Level left = std::move(levels_.back());
+    levels_.pop_back();
+    if (levels_.empty()) return true;
+    auto parent = above(folder_, levels_.back());
+    if (!parent) return note(), false;
+    folder_ = std::move(*parent);
+    if (!unlink(left.name, AT_REMOVEDIR)) note();
+    return true;
+  }
+
+  [[nodiscard]] std::optional<FileDescriptor> above(const FileDescriptor& folder, const Level& expected) {
+    FileDescriptor parent(syscalls_, uninterrupted([&] { return syscalls_.openat(folder.get(), "..", kFolder); }));
+    struct stat status {};
+    if (!parent || uninterrupted([&] { return syscalls_.fstat(parent.get(), &status); }) != 0) return std::nullopt;
+    if (status.st_dev == expected.device && status.st_ino == expected.inode) return parent;
+    errno = ESTALE;
+    return std::nullopt;
+  }
+
+  // True also for what is gone already.
+  [[nodiscard]] bool unlink(const std::string& name, int flags) {
+    return uninterrupted([&] { return syscalls_.unlinkat(folder_.get(), name.c_str(), flags); }) == 0 ||
+           errno == ENOENT;
+  }
+
+  void note() {
+    if (error_ == 0) error_ = errno;
+  }
+
+  Syscalls& syscalls_;
+  FileDescriptor folder_;  // of the last level
+  std::vector<Level> levels_;
+  int error_ = 0;
+};
+
+// "/", "." and ".." cannot be removed, so nothing in them may be.
+bool canBeRemoved(const std::filesystem::path& path) {
+  std::string_view text = path.native();
+  while (text.ends_with('/')) text.remove_suffix(1);
+  const std::string_view name = text.substr(text.rfind('/') + 1);
+  return !name.empty() && name != "." && name != "..";
+}
+
+}  // namespace
+
+bool removeTree(Syscalls& syscalls, const std::filesystem::path& path) {
+  if (!canBeRemoved(path)) {
+    errno = EINVAL;
+    return false;
+  }
+  if (removeFile(syscalls, path)) return true;
+  if (errno != EISDIR) return false;
+  Remover remover(syscalls);
+  FileDescriptor folder = openFile(syscalls, path, kFolder);
+  const int error = errno;
+  const bool opened = static_cast<bool>(folder);
+  if (opened) remover.empty(std::move(folder));
+  if (uninterrupted([&] { return syscalls.unlinkat(AT_FDCWD, path.c_str(), AT_REMOVEDIR); }) == 0) return true;
+  if (!opened) errno = error;
+  if (remover.error() != 0) errno = remover.error();
+  return false;
+}
+
+}  // namespace tavlo::linux_platform

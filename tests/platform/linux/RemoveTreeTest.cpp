@@ -1,0 +1,280 @@
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <latch>
+#include <thread>
+
+#include "platform/linux/RemoveTree.h"
+#include "tests/platform/linux/FaultySyscalls.h"
+#include "tests/support/TemporaryFolder.h"
+
+namespace tavlo::test {
+namespace {
+
+namespace fs = std::filesystem;
+using linux_platform::removeTree;
+using testing::ElementsAre;
+using testing::UnorderedElementsAre;
+
+class RemoveTree : public testing::Test {
+ protected:
+  [[nodiscard]] bool remove(const fs::path& path) { return removeTree(syscalls_, path); }
+
+  // tree/file, tree/empty, tree/sub/file, tree/sub/deep/file
+  void plant() {
+    fs::create_directories(folder_ / "tree/sub/deep");
+    fs::create_directory(folder_ / "tree/empty");
+    for (const char* const file : {"tree/file", "tree/sub/file", "tree/sub/deep/file"}) writeFile(folder_ / file, "x");
+  }
+  [[nodiscard]] std::vector<std::string> left() const {
+    std::vector<std::string> names;
+    for (const auto& entry : fs::recursive_directory_iterator(folder_.path())) {
+      names.push_back(entry.path().lexically_relative(folder_.path()).string());
+    }
+    return names;
+  }
+
+  TemporaryFolder folder_;
+  FaultySyscalls syscalls_{folder_.path().string()};
+};
+
+TEST_F(RemoveTree, TakesAFileInOneCall) {
+  writeFile(folder_ / "file", "x");
+
+  EXPECT_TRUE(remove(folder_ / "file"));
+
+  EXPECT_THAT(left(), ElementsAre());
+  EXPECT_THAT(syscalls_.calls(), ElementsAre("unlink file"));
+}
+
+TEST_F(RemoveTree, TakesAFolderWithAllInIt) {
+  plant();
+
+  EXPECT_TRUE(remove(folder_ / "tree"));
+
+  EXPECT_THAT(left(), ElementsAre());
+}
+
+TEST_F(RemoveTree, TakesAFolderNamedWithASlash) {
+  plant();
+
+  EXPECT_TRUE(remove(folder_.path().string() + "/tree/"));
+
+  EXPECT_THAT(left(), ElementsAre());
+}
+
+TEST_F(RemoveTree, WhatIsNotThereFails) {
+  EXPECT_FALSE(remove(folder_ / "gone"));
+  EXPECT_EQ(errno, ENOENT);
+  EXPECT_FALSE(remove(""));
+}
+
+TEST_F(RemoveTree, WhatCannotBeRemovedKeepsWhatIsInIt) {
+  plant();
+  const std::string tree = folder_.path().string() + "/tree";
+
+  for (const std::string& path : {tree + "/.", tree + "/sub/..", tree + "/./", std::string("."), std::string("..")}) {
+    EXPECT_FALSE(remove(path)) << path;
+    EXPECT_EQ(errno, EINVAL) << path;
+  }
+  syscalls_.setHook([](const std::string&) { return EIO; });  // so that nothing is lost should it go on
+  EXPECT_FALSE(remove("/"));
+  EXPECT_EQ(errno, EINVAL);
+
+  EXPECT_EQ(left().size(), 7U);
+}
+
+TEST_F(RemoveTree, ALinkIsRemovedAndNotFollowed) {
+  plant();
+  fs::create_directory_symlink(folder_ / "tree", folder_ / "link");
+
+  EXPECT_FALSE(remove(folder_.path().string() + "/link/"));
+  EXPECT_TRUE(remove(folder_ / "link"));
+
+  EXPECT_EQ(left().size(), 7U);
+}
+
+TEST_F(RemoveTree, AFolderThatBecomesALinkMeanwhileIsNotFollowed) {
+  plant();
+  fs::create_directory(folder_ / "outside");
+  writeFile(folder_ / "outside/precious", "x");
+  syscalls_.setHook([&](const std::string& call) {
+    if (call == "openat tree/sub") {
+      fs::rename(folder_ / "tree/sub", folder_ / "moved");
+      fs::create_directory_symlink(folder_ / "outside", folder_ / "tree/sub");
+    }
+    return 0;
+  });
+
+  EXPECT_FALSE(remove(folder_ / "tree"));
+
+  EXPECT_TRUE(fs::exists(folder_ / "outside/precious"));
+  EXPECT_TRUE(fs::exists(folder_ / "moved/deep/file"));
+}
+
+TEST_F(RemoveTree, AFolderThatIsMovedAwayMeanwhileEndsIt) {
+  plant();
+  syscalls_.setHook([&](const std::string& call) {
+    if (call == "unlinkat tree/sub/deep/file") {
+      fs::create_directory(folder_ / "elsewhere");
+      writeFile(folder_ / "elsewhere/precious", "x");
+      fs::rename(folder_ / "tree/sub/deep", folder_ / "elsewhere/deep");
+    }
+    return 0;
+  });
+
+  EXPECT_FALSE(remove(folder_ / "tree"));
+
+  EXPECT_EQ(errno, ESTALE);
+  EXPECT_TRUE(fs::exists(folder_ / "elsewhere/precious"));
+}
+
+TEST_F(RemoveTree, FiveThousandLevelsTakeTwoOpenFiles) {
+  const int start = ::open(folder_.path().c_str(), O_RDONLY | O_DIRECTORY);
+  int at = start;
+  for (int i = 0; i < 5000; ++i) {
+    ASSERT_EQ(::mkdirat(at, "d", 0700), 0);
+    const int next = ::openat(at, "d", O_RDONLY | O_DIRECTORY);
+    ::close(at);
+    at = next;
+  }
+  ::close(at);
+  std::size_t open = 0;
+  std::size_t most = 0;
+  syscalls_.setHook([&](const std::string& call) {
+    if (call.starts_with("open")) most = std::max(most, ++open);
+    if (call.starts_with("openFolderNames")) --open;  // a call on one that is open
+    if (call.starts_with("close")) --open;
+    return 0;
+  });
+
+  EXPECT_TRUE(remove(folder_ / "d"));
+
+  EXPECT_THAT(left(), ElementsAre());
+  EXPECT_LE(most, 3U);
+}
+
+TEST_F(RemoveTree, WhatFailsStaysAndTheRestGoes) {
+  plant();
+  syscalls_.setHook([](const std::string& call) { return call == "unlinkat tree/sub/file" ? EPERM : 0; });
+
+  EXPECT_FALSE(remove(folder_ / "tree"));
+
+  EXPECT_EQ(errno, EPERM);
+  EXPECT_THAT(left(), UnorderedElementsAre("tree", "tree/sub", "tree/sub/file"));
+}
+
+TEST_F(RemoveTree, WhatAnotherRemovesMeanwhileCountsAsRemoved) {
+  plant();
+  syscalls_.setHook([&](const std::string& call) {
+    if (call.starts_with("unlinkat") || call.starts_with("openat")) fs::remove_all(folder_ / "tree/sub");
+    return 0;
+  });
+
+  static_cast<void>(remove(folder_ / "tree"));
+  syscalls_.setHook(nullptr);
+  static_cast<void>(remove(folder_ / "tree"));
+
+  EXPECT_THAT(left(), ElementsAre());
+}
+
+TEST_F(RemoveTree, EveryCallMayFailOnceAndTheNextTryTakesAll) {
+  for (int n = 1;; ++n) {
+    plant();
+    for (const int error : {EIO, EACCES, EMFILE, EINTR}) {
+      bool failed = false;
+      int left = n;
+      syscalls_.setHook([&](const std::string&) {
+        failed = failed || left == 1;
+        return left-- == 1 ? error : 0;
+      });
+      if (fs::exists(folder_ / "tree")) {
+        const bool removed = remove(folder_ / "tree");
+        EXPECT_EQ(removed, !fs::exists(folder_ / "tree")) << n << " " << error;
+      }
+      if (!failed && error == EIO) {
+        EXPECT_GT(n, 20);
+        return;
+      }
+      syscalls_.setHook(nullptr);
+      plant();
+    }
+    EXPECT_TRUE(remove(folder_ / "tree"));
+  }
+}
+
+// The rest of the test runs without the rights of the superuser, whom no mode stops.
+class AsNobody {
+ public:
+  explicit AsNobody(const fs::path& folder) {
+    for (const auto& entry : fs::recursive_directory_iterator(folder)) {
+      EXPECT_EQ(::lchown(entry.path().c_str(), kNobody, kNobody), 0);
+    }
+    EXPECT_EQ(::chown(folder.c_str(), kNobody, kNobody), 0);
+    EXPECT_EQ(::seteuid(kNobody), 0);
+  }
+  AsNobody(const AsNobody&) = delete;
+  AsNobody& operator=(const AsNobody&) = delete;
+  ~AsNobody() { EXPECT_EQ(::seteuid(0), 0); }
+
+ private:
+  static constexpr uid_t kNobody = 65534;
+};
+
+TEST_F(RemoveTree, AnUnreadableFolderGoesOnlyWhenItIsEmptyAndTheRestGoes) {
+  if (::geteuid() != 0) GTEST_SKIP() << "needs to be started by the superuser, to step down";
+  plant();
+  fs::create_directory(folder_ / "tree/unreadable");
+  writeFile(folder_ / "tree/unreadable/file", "x");
+  fs::create_directory(folder_ / "tree/unreadable-empty");
+  for (const char* const name : {"tree/unreadable", "tree/unreadable-empty"}) {
+    fs::permissions(folder_ / name, fs::perms::none);
+  }
+
+  {
+    const AsNobody nobody(folder_.path());
+    EXPECT_FALSE(remove(folder_ / "tree"));
+    EXPECT_EQ(errno, EACCES);
+  }
+
+  EXPECT_THAT(left(), UnorderedElementsAre("tree", "tree/unreadable", "tree/unreadable/file"));
+}
+
+TEST_F(RemoveTree, AFolderThatCannotBeSearchedLosesNothingAndStopsNothing) {
+  if (::geteuid() != 0) GTEST_SKIP() << "needs to be started by the superuser, to step down";
+  plant();
+  fs::permissions(folder_ / "tree/sub", fs::perms::owner_read);
+
+  {
+    const AsNobody nobody(folder_.path());
+    EXPECT_FALSE(remove(folder_ / "tree"));
+    EXPECT_EQ(errno, EACCES);
+  }
+
+  EXPECT_THAT(left(), UnorderedElementsAre("tree", "tree/sub", "tree/sub/deep", "tree/sub/deep/file", "tree/sub/file"));
+}
+
+TEST_F(RemoveTree, ThreadsThatRemoveTheSameTreeLeaveNothing) {
+  constexpr int kThreads = 8;
+  for (int round = 0; round < 20; ++round) {
+    plant();
+    std::latch start(kThreads);
+    std::vector<std::thread> threads;
+    for (int i = 0; i < kThreads; ++i) {
+      threads.emplace_back([&] {
+        start.arrive_and_wait();
+        static_cast<void>(removeTree(linux_platform::Syscalls::real(), folder_ / "tree"));
+      });
+    }
+    for (std::thread& thread : threads) thread.join();
+    static_cast<void>(remove(folder_ / "tree"));  // a thread stops where another one took its way back
+    EXPECT_THAT(left(), ElementsAre());
+  }
+}
+
+}  // namespace
+}  // namespace tavlo::test
