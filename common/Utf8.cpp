@@ -53,10 +53,15 @@ bool isUtf8(std::string_view text) {
   return true;
 }
 
+bool isWhitespace(char32_t codePoint) {
+  return codePoint == 0x09 || codePoint == 0x20 || codePoint == 0xA0 || codePoint == 0x1680 ||
+         (codePoint >= 0x2000 && codePoint <= 0x200A) || codePoint == 0x202F || codePoint == 0x205F ||
+         codePoint == 0x3000;
+}
+
 bool isWhitespaceOrNewline(char32_t codePoint) {
-  return (codePoint >= 0x09 && codePoint <= 0x0D) || codePoint == 0x20 || codePoint == 0x85 || codePoint == 0xA0 ||
-         codePoint == 0x1680 || (codePoint >= 0x2000 && codePoint <= 0x200A) || codePoint == 0x2028 ||
-         codePoint == 0x2029 || codePoint == 0x202F || codePoint == 0x205F || codePoint == 0x3000;
+  return isWhitespace(codePoint) || (codePoint >= 0x0A && codePoint <= 0x0D) || codePoint == 0x85 ||
+         codePoint == 0x2028 || codePoint == 0x2029;
 }
 
 }  // namespace tavlo

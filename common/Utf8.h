@@ -27,8 +27,10 @@ void appendUtf8(std::string& out, char32_t codePoint);
 
 [[nodiscard]] bool isUtf8(std::string_view text);
 
-// The platform's whitespace-and-newline set: Zs, U+0009 to U+000D, U+0085, U+2028 and U+2029. U+200B and
-// U+FEFF are not in it.
+// The platform's whitespace set: Zs and U+0009. U+200B and U+FEFF are not in it.
+[[nodiscard]] bool isWhitespace(char32_t codePoint);
+
+// Its whitespace-and-newline set: also U+000A to U+000D, U+0085, U+2028 and U+2029.
 [[nodiscard]] bool isWhitespaceOrNewline(char32_t codePoint);
 
 }  // namespace tavlo
