@@ -61,34 +61,57 @@ class TavloUtility {
   // The unique-user fragment: 8 pairs, each with a leading "&", nothing encoded, "ru_n" always empty.
   [[nodiscard]] static std::string getUserInfoRequestString();
 
-  // ---- Media cache (not built yet: each throws std::logic_error) ----
+  // ---- Media cache: the directory Documents/TavloCache; docs/cache.md describes it ----
+  //
+  // The look-ups log "Cached directory path : <path>", after "TavloCache directory created!" when the directory
+  // was missing, and after "TavloCache directory is actually a file! .. removing it" when a plain file was in its
+  // way. All of them are absent when the directory cannot be made usable, after "TavloCache directory is
+  // actually a file! .. but failed removing it error: <description>" or "Couldn't create directory TavloCache
+  // error: <description>". Of two threads that both find it missing, the slower one gets absent that once.
 
-  // The path of a name inside the cache directory, which is made when it is missing. Absent when the
-  // directory cannot be made usable. It is not the Documents directory, in spite of its name.
+  // The path of a name inside the cache directory, which is made when it is missing; whether there is such a
+  // file is not looked at. It is not the Documents directory, in spite of its name.
   [[nodiscard]] static Text getDocumentDirectoryPath(std::string_view fileName);
 
   // The path of the cached video of a URL, or of the name that the SDK's database holds for it. Absent when
-  // there is no such file.
+  // there is no such file, after "<operation>() - ERROR: Cache Video Data  does not exist", and when the argument
+  // is absent or empty, after "<operation>() - ERROR: Passed file url parameter is nil". A video's name is the
+  // digest of the URL without U+000A and without blanks and newlines at its ends, a dot, and the extension of
+  // the URL as it was passed: "(null)" when that is no URL reference.
   [[nodiscard]] static Text getCacheVideoDataPath(const Text& url);
   [[nodiscard]] static Text getCacheVideoPathOfSavedInDB(const Text& name);
 
-  // The archived video list, or the interstitial list. Absent when there is none, and then the whole cache
-  // is cleared.
+  // The archived video list, or the interstitial list: the root of a keyed archive (cache/KeyedArchive.h). When
+  // there is no such file, clears the whole cache, logs "getFileData() - ERROR: This file  does not exist" and
+  // is absent. Absent without a line of its own when the file cannot be read or the archive holds nothing.
+  // Throws ArchiveError, which names the file, when its bytes are no keyed archive.
   [[nodiscard]] static std::optional<Value> getCachedVideoList(bool isVideo);
 
-  // Removes the item at exactly this path. True when it was removed.
+  // Removes the item at exactly this path, a directory with all that is in it. True when it was removed. It
+  // need not lie in the cache.
   [[nodiscard]] static bool deleteCachedVideo(const Text& path);
 
-  // Removes everything in the cache directory but the log file.
+  // Removes everything in the cache directory but "TavloLogFile.txt", as far as it can be removed. Makes no
+  // directory and logs nothing.
   static void clearCache();
 
-  // A new list of the same records, ordered by "startdate". Absent gives absent.
+  // A new list of the same records, ordered by "startdate" (cache/SortByStartDate.h). A set gives a list, absent
+  // and any other value give absent.
   [[nodiscard]] static std::optional<Value> sortCacahedVideoDates(const std::optional<Value>& list);
 
-  // The path of the cached banner image of a URL, absent when there is none (yet).
+  // The path of the cached banner image of a URL, absent when there is none (yet), after
+  // "getCacheBannerImagePath() - ERROR: Cache Banner Image Data  does not exist", also when the directory cannot
+  // be made usable; or after "getCacheBannerImagePath() - ERROR: Passed file url parameter is nil" when the URL
+  // is absent or blank. An image's name is the digest of the URL, cleaned as for a video.
   [[nodiscard]] static Text getCacheBannerImagePath(const Text& url);
 
-  // Downloads a banner image into the cache, on a background queue; returns at once.
+  // Downloads a banner image on a background queue and returns at once. The queue's worker logs
+  //   "getAndSaveBannerImage(): Passed data is empty"      no data: no URL, or a failed fetch
+  //   "getAndSaveBannerImage() - write successfully"       after what the look-ups log
+  //   "getAndSaveBannerImage(): ERROR - write failed"      the same; an earlier image stands
+  // Every call downloads again. The image's name is the digest of the URL without blanks at its ends. Newlines
+  // stay, so that such a URL is never found again; that is deliberate. A download ends with its platform: when
+  // that is replaced, what has not begun is dropped.
   static void cachedBannerImage(const Text& url);
 
   // ---- Identifiers: three texts in the host app's user settings ----

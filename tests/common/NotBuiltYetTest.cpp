@@ -31,24 +31,14 @@ TEST_P(NotBuiltYet, IsALogicErrorThatNamesTheOperation) {
 
 INSTANTIATE_TEST_SUITE_P(
     Operations, NotBuiltYet,
-    testing::Values(
-        Unbuilt{"getDocumentDirectoryPath", [] { static_cast<void>(TavloUtility::getDocumentDirectoryPath("")); }},
-        Unbuilt{"getCacheVideoDataPath", [] { static_cast<void>(TavloUtility::getCacheVideoDataPath("")); }},
-        Unbuilt{"getCacheVideoPathOfSavedInDB",
-                [] { static_cast<void>(TavloUtility::getCacheVideoPathOfSavedInDB("")); }},
-        Unbuilt{"getCachedVideoList", [] { static_cast<void>(TavloUtility::getCachedVideoList(true)); }},
-        Unbuilt{"deleteCachedVideo", [] { static_cast<void>(TavloUtility::deleteCachedVideo("")); }},
-        Unbuilt{"clearCache", [] { static_cast<void>(TavloUtility::clearCache()); }},
-        Unbuilt{"sortCacahedVideoDates", [] { static_cast<void>(TavloUtility::sortCacahedVideoDates(Value())); }},
-        Unbuilt{"getCacheBannerImagePath", [] { static_cast<void>(TavloUtility::getCacheBannerImagePath("")); }},
-        Unbuilt{"cachedBannerImage", [] { static_cast<void>(TavloUtility::cachedBannerImage("")); }},
-        Unbuilt{"fetchCurrentLocation", [] { static_cast<void>(TavloUtility::fetchCurrentLocation()); }},
-        Unbuilt{"frameworkBundle", [] { static_cast<void>(TavloUtility::frameworkBundle()); }},
-        Unbuilt{"getVolumeImage", [] { static_cast<void>(TavloUtility::getVolumeImage()); }},
-        Unbuilt{"getMuteImage", [] { static_cast<void>(TavloUtility::getMuteImage()); }},
-        Unbuilt{"getExportTavloSDKLog", [] { static_cast<void>(TavloUtility::getExportTavloSDKLog(nullptr)); }},
-        Unbuilt{"quillmixInstalledOnThisDevice",
-                [] { static_cast<void>(TavloUtility::quillmixInstalledOnThisDevice()); }}),
+    testing::Values(Unbuilt{"fetchCurrentLocation", [] { static_cast<void>(TavloUtility::fetchCurrentLocation()); }},
+                    Unbuilt{"frameworkBundle", [] { static_cast<void>(TavloUtility::frameworkBundle()); }},
+                    Unbuilt{"getVolumeImage", [] { static_cast<void>(TavloUtility::getVolumeImage()); }},
+                    Unbuilt{"getMuteImage", [] { static_cast<void>(TavloUtility::getMuteImage()); }},
+                    Unbuilt{"getExportTavloSDKLog",
+                            [] { static_cast<void>(TavloUtility::getExportTavloSDKLog(nullptr)); }},
+                    Unbuilt{"quillmixInstalledOnThisDevice",
+                            [] { static_cast<void>(TavloUtility::quillmixInstalledOnThisDevice()); }}),
     test::kCaseName);
 
 }  // namespace

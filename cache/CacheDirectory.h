@@ -1,0 +1,26 @@
+// The cache directory: its path, and what its entries are called.
+#pragma once
+
+#include <string_view>
+
+#include "common/Text.h"
+#include "platform/FileManager.h"
+
+namespace tavlo {
+
+inline constexpr std::string_view kCacheDirectoryName = "TavloCache";
+inline constexpr std::string_view kVideoListName = "VideoListAPI";
+inline constexpr std::string_view kInterstitialListName = "InterstitialListAPI";
+inline constexpr std::string_view kLogFileName = "TavloLogFile.txt";  // the only entry that clearing keeps
+
+// A directory and a name with exactly one "/" between them; the name is not changed otherwise. With an empty
+// name the directory itself; absent in an absent directory.
+[[nodiscard]] Text appendedPathComponent(const Text& directory, std::string_view name);
+
+// Documents/TavloCache, whether it is there or not. Absent when the platform has no Documents directory.
+[[nodiscard]] Text cacheDirectory(platform::FileManager& files);
+
+// TavloUtility::getDocumentDirectoryPath() on these files.
+[[nodiscard]] Text pathInCacheDirectory(platform::FileManager& files, std::string_view fileName);
+
+}  // namespace tavlo
