@@ -1,0 +1,139 @@
+// The cache's scenarios on real files, and what only real files can show.
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+
+#include "tests/integration/RealWorld.h"
+#include "tests/support/CacheListScenarios.h"
+#include "tests/support/CachePathScenarios.h"
+
+namespace tavlo::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+INSTANTIATE_TYPED_TEST_SUITE_P(OnRealFiles, CachePaths, RealWorld);
+INSTANTIATE_TYPED_TEST_SUITE_P(OnRealFiles, CachedLists, RealWorld);
+
+class CacheOnRealFiles : public testing::Test {
+ protected:
+  RealWorld world_;
+};
+
+TEST_F(CacheOnRealFiles, TheErrorTellsTheSystemsReasonAndThePath) {
+  world_.loseDocuments();
+
+  EXPECT_EQ(TavloUtility::getDocumentDirectoryPath("a"), std::nullopt);
+
+  EXPECT_EQ(world_.takeLines(),
+            (Lines{"Couldn't create directory TavloCache error: Not a directory: DOCUMENTS/TavloCache"}));
+}
+
+TEST_F(CacheOnRealFiles, TheDirectoryIsItsUsersAlone) {
+  ASSERT_TRUE(TavloUtility::getDocumentDirectoryPath("a"));
+
+  EXPECT_EQ(fs::status(world_.place("TavloCache")).permissions(), fs::perms::owner_all);
+}
+
+TEST_F(CacheOnRealFiles, DocumentsAreMadeWhenTheyAreMissing) {
+  fs::remove(world_.documents());
+
+  EXPECT_EQ(TavloUtility::getDocumentDirectoryPath("a"), world_.place("TavloCache/a"));
+}
+
+TEST_F(CacheOnRealFiles, ALinkToADirectoryServesAsTheDirectory) {
+  world_.putFolder("elsewhere");
+  fs::create_directory_symlink(world_.place("elsewhere"), world_.place("TavloCache"));
+  world_.put("elsewhere/a.mp4", "video");
+
+  EXPECT_EQ(TavloUtility::getCacheVideoPathOfSavedInDB("a.mp4"), world_.place("TavloCache/a.mp4"));
+}
+
+TEST_F(CacheOnRealFiles, ADanglingLinkOfItsNameIsInTheWay) {
+  fs::create_symlink(world_.place("nowhere"), world_.place("TavloCache"));
+
+  EXPECT_EQ(TavloUtility::getDocumentDirectoryPath("a"), std::nullopt);
+
+  EXPECT_EQ(world_.takeLines(),
+            (Lines{"Couldn't create directory TavloCache error: File exists: DOCUMENTS/TavloCache"}));
+}
+
+TEST_F(CacheOnRealFiles, AFifoOfItsNameIsReplaced) {
+  ASSERT_EQ(::mkfifo(world_.place("TavloCache").c_str(), 0600), 0);
+
+  EXPECT_EQ(TavloUtility::getDocumentDirectoryPath("a"), world_.place("TavloCache/a"));
+}
+
+TEST_F(CacheOnRealFiles, AListThatIsAFifoIsAbsentAndBlocksNobody) {
+  world_.putFolder("TavloCache");
+  ASSERT_EQ(::mkfifo(world_.place("TavloCache/VideoListAPI").c_str(), 0600), 0);
+
+  EXPECT_EQ(TavloUtility::getCachedVideoList(true), std::nullopt);
+
+  EXPECT_EQ(world_.names("TavloCache"), (Lines{"VideoListAPI"}));
+}
+
+TEST_F(CacheOnRealFiles, LinksAreClearedAndNeverFollowed) {
+  world_.putFolder("TavloCache");
+  world_.putFolder("TavloCache/sub");
+  world_.putFolder("outside");
+  world_.put("outside/precious", "x");
+  fs::create_directory_symlink(world_.place("outside"), world_.place("TavloCache/to-a-folder"));
+  fs::create_directory_symlink(world_.place("outside"), world_.place("TavloCache/sub/to-a-folder"));
+  fs::create_symlink(world_.place("outside/precious"), world_.place("TavloCache/to-a-file"));
+  fs::create_symlink(world_.place("nowhere"), world_.place("TavloCache/to-nothing"));
+
+  TavloUtility::clearCache();
+
+  EXPECT_EQ(world_.names("TavloCache"), Lines{});
+  EXPECT_EQ(world_.names("outside"), (Lines{"precious"}));
+}
+
+TEST_F(CacheOnRealFiles, AnyNameIsCleared) {
+  world_.putFolder("TavloCache");
+  for (const std::string& name : {std::string("\xFF\xFE"), std::string("a\nb"), std::string(255, 'n'), std::string(" "),
+                                  std::string("*"), std::string("-rf"), std::string("\xE2\x80\xAE")}) {
+    world_.put("TavloCache/" + name, "x");
+    ASSERT_TRUE(fs::exists(world_.place("TavloCache/" + name)));
+  }
+  ASSERT_EQ(::mkfifo(world_.place("TavloCache/fifo").c_str(), 0600), 0);
+
+  TavloUtility::clearCache();
+
+  EXPECT_EQ(world_.names("TavloCache"), Lines{});
+}
+
+TEST_F(CacheOnRealFiles, ALogThatIsALinkOrAFolderIsKeptToo) {
+  world_.putFolder("TavloCache");
+  world_.putFolder("TavloCache/TavloLogFile.txt");
+  world_.put("TavloCache/TavloLogFile.txt/x", "x");
+
+  TavloUtility::clearCache();
+
+  EXPECT_EQ(world_.names("TavloCache/TavloLogFile.txt"), (Lines{"x"}));
+}
+
+TEST_F(CacheOnRealFiles, DeletionOfALinkLeavesItsTarget) {
+  world_.put("target", "x");
+  fs::create_symlink(world_.place("target"), world_.place("link"));
+
+  EXPECT_TRUE(TavloUtility::deleteCachedVideo(world_.place("link")));
+
+  EXPECT_EQ(world_.names(""), (Lines{"target"}));
+}
+
+TEST_F(CacheOnRealFiles, ClearingAHundredThousandEntriesLeavesTheLog) {
+  world_.putFolder("TavloCache");
+  world_.put("TavloCache/TavloLogFile.txt", "log");
+  for (int i = 0; i < 100000; ++i) {
+    ASSERT_EQ(::mknod(world_.place("TavloCache/" + std::to_string(i)).c_str(), S_IFREG | 0600, 0), 0);
+  }
+
+  TavloUtility::clearCache();
+
+  EXPECT_EQ(world_.names("TavloCache"), (Lines{"TavloLogFile.txt"}));
+}
+
+}  // namespace
+}  // namespace tavlo::test
