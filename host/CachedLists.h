@@ -3,7 +3,7 @@
 //
 //   tavlo::host::writeCachedList(tavlo::host::CachedList::video, tavlo::Value::list(std::move(records)));
 //
-// Values   any value that a keyed archive can hold (cache/KeyedArchive.h).
+// Values   any value that a keyed archive can hold (cache/KeyedArchive.h); Uid{0} is the list that is nothing at all.
 // Durable  the list is on disk when the call returns, and survives a crash of the process and of the machine. A
 //          reader meets the old list or the new one, whole.
 // Logs     those of TavloUtility::getDocumentDirectoryPath().
