@@ -9,8 +9,11 @@
 #include <string_view>
 #include <utility>
 
+#include "cli/CacheCommandLine.h"
+#include "cli/CacheHelpTexts.h"
 #include "cli/Errors.h"
 #include "cli/HelpTexts.h"
+#include "cli/Named.h"
 
 namespace tavlo::cli {
 namespace {
@@ -38,12 +41,6 @@ std::optional<std::string> textOf(const CLI::Option& option) {
   return option.count() == 0 ? std::nullopt : std::optional(unmarked(option.results().front()));
 }
 
-template <class T>
-struct Named {
-  std::string_view name;
-  T value;
-};
-
 constexpr auto kIdentifierNames = std::to_array<Named<Identifier>>({
     {"app", Identifier::app},
     {"optional", Identifier::optional},
@@ -56,16 +53,6 @@ constexpr auto kFormatNames = std::to_array<Named<ContractFormat>>(
     {{"table", ContractFormat::table}, {"json", ContractFormat::json}, {"markdown", ContractFormat::markdown}});
 constexpr auto kColorNames =
     std::to_array<Named<Color>>({{"auto", Color::automatic}, {"always", Color::always}, {"never", Color::never}});
-
-// What the name stands for among the rows, each of which has a `name`.
-template <class Rows>
-const auto& named(const Rows& rows, const std::string& name, const std::string& what) {
-  const auto found = std::find_if(rows.begin(), rows.end(), [&](const auto& row) { return row.name == name; });
-  if (found != rows.end()) return *found;
-  std::string names;
-  for (const auto& row : rows) names += (names.empty() ? "" : ", ") + std::string(row.name);
-  throw UsageError(what + " \"" + name + "\" is none of " + names);
-}
 
 std::int64_t countOf(const std::string& text) {
   std::int64_t count = 0;
@@ -87,6 +74,7 @@ class Parser {
     addTexts();
     addContract();
     addEvents();
+    addCache();
     addMaker(addCommand(root_, "use", help::kUse, help::kUseFooter), [] { return RecordUse{}; });
     addMaker(addCommand(root_, "demo", help::kDemo, help::kDemoFooter), [] { return Demo{}; });
   }
@@ -240,6 +228,28 @@ class Parser {
     });
     addMaker(addCommand(event, "list", help::kEventList, help::kEventListFooter), [] { return ListEvents{}; });
     addMaker(addCommand(event, "clear", help::kEventClear, help::kEventClearFooter), [] { return ClearEvents{}; });
+  }
+
+  void addCache() {
+    CLI::App& cache = addCommand(root_, "cache", help::kCache, help::kCacheFooter);
+    cache.require_subcommand(1);
+    for (const CacheCommandRow& row : cacheCommands()) {
+      CLI::App& command = addCommand(cache, row.name, row.description, row.footer);
+      std::vector<const CLI::Option*> arguments;
+      for (const ArgumentRow& argument : row.arguments) {
+        CLI::Option& option = addArgument(command, argument.name, argument.description);
+        if (argument.mayRepeat) option.expected(1, CLI::detail::expected_max_vector_size)->allow_extra_args();
+        arguments.push_back(&option);
+      }
+      addMaker(command, [&row, arguments] {
+        std::vector<std::string> words;
+        for (const CLI::Option* argument : arguments) {
+          const std::vector<std::string> texts = textsOf(*argument);
+          words.insert(words.end(), texts.begin(), texts.end());
+        }
+        return row.make(words);
+      });
+    }
   }
 
   [[nodiscard]] Globals globals() const {

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "cli/Output.h"
+#include "host/CachedLists.h"
 #include "request/Contracts.h"
 
 namespace tavlo::cli {
@@ -69,8 +70,38 @@ struct ClearEvents {};
 struct RecordUse {};
 struct Demo {};
 
-using Command = std::variant<Help, MakeRequest, GetIdentifier, SetIdentifier, ShowIdentifiers, TransformTexts,
-                             PrintContract, AddEvent, ListEvents, ClearEvents, RecordUse, Demo>;
+enum class CacheLookUpName : std::uint8_t { path, video, saved, banner };
+
+struct LookUpInCache {
+  CacheLookUpName lookUp;
+  std::string text;  // a name, or a URL
+};
+struct FetchBanners {
+  std::vector<std::string> urls;
+};
+struct ExplainUrl {
+  std::string url;
+};
+struct ListCacheEntries {};
+struct PrintCachedList {
+  host::CachedList list;
+};
+struct PutCachedList {
+  host::CachedList list;
+  std::string file;  // a path, or "-"
+};
+struct SortList {
+  std::string file;  // a path, or "-"
+};
+struct DeleteCached {
+  std::string path;
+};
+struct ClearCache {};
+
+using Command =
+    std::variant<Help, MakeRequest, GetIdentifier, SetIdentifier, ShowIdentifiers, TransformTexts, PrintContract,
+                 AddEvent, ListEvents, ClearEvents, RecordUse, Demo, LookUpInCache, FetchBanners, ExplainUrl,
+                 ListCacheEntries, PrintCachedList, PutCachedList, SortList, DeleteCached, ClearCache>;
 
 struct Invocation {
   Globals globals;

@@ -28,5 +28,14 @@ void execute(const ListEvents& command, const Run& run);
 void execute(const ClearEvents& command, const Run& run);
 void execute(const RecordUse& command, const Run& run);
 void execute(const Demo& command, const Run& run);
+void execute(const LookUpInCache& command, const Run& run);
+void execute(const FetchBanners& command, const Run& run);
+void execute(const ExplainUrl& command, const Run& run);
+void execute(const ListCacheEntries& command, const Run& run);
+void execute(const PrintCachedList& command, const Run& run);
+void execute(const PutCachedList& command, const Run& run);
+void execute(const SortList& command, const Run& run);
+void execute(const DeleteCached& command, const Run& run);
+void execute(const ClearCache& command, const Run& run);
 
 }  // namespace tavlo::cli

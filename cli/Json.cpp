@@ -97,7 +97,7 @@ std::string plainMessage(std::string_view message) {
 // Builds the tree from the parser's events, whose names are the library's.
 class TreeBuilder {
  public:
-  explicit TreeBuilder(const Position& position) : position_(position) {}
+  TreeBuilder(const Position& position, std::size_t deepest) : position_(position), deepest_(deepest) {}
 
   [[nodiscard]] JsonNode take() { return std::move(root_); }
 
@@ -164,8 +164,8 @@ class TreeBuilder {
   }
 
   bool open(JsonNode::Kind kind) {
-    if (open_.size() == kDeepestJson) {
-      throw JsonError(position_.tokenLine, "expected at most " + std::to_string(kDeepestJson) + " levels of nesting");
+    if (open_.size() == deepest_) {
+      throw JsonError(position_.tokenLine, "expected at most " + std::to_string(deepest_) + " levels of nesting");
     }
     open_.push_back(&addNode(kind));
     return true;
@@ -177,6 +177,7 @@ class TreeBuilder {
   }
 
   const Position& position_;
+  const std::size_t deepest_;
   JsonNode root_;
   std::vector<JsonNode*> open_;  // none moves: only the innermost one grows
 };
@@ -224,9 +225,9 @@ void append(std::string& out, const Value& value) {
 
 }  // namespace
 
-JsonNode parseJson(std::string_view document) {
+JsonNode parseJson(std::string_view document, std::size_t deepest) {
   Position position;
-  TreeBuilder builder(position);
+  TreeBuilder builder(position, deepest);
   Json::sax_parse(CountingIterator(document.data(), position),
                   CountingIterator(document.data() + document.size(), position), &builder);
   return builder.take();

@@ -43,8 +43,8 @@ class JsonError : public std::runtime_error {
 inline constexpr std::size_t kDeepestJson = 64;
 
 // UTF-8, with or without a byte order mark. Integers are read whole up to 128 bits. Throws JsonError for a text
-// that is no JSON, nesting deeper than kDeepestJson and an integer beyond 128 bits.
-[[nodiscard]] JsonNode parseJson(std::string_view document);
+// that is no JSON, nesting deeper than `deepest` and an integer beyond 128 bits.
+[[nodiscard]] JsonNode parseJson(std::string_view document, std::size_t deepest = kDeepestJson);
 
 // One line, without blanks; maps in their own order; "/" and text outside ASCII as they are. What is no UTF-8
 // becomes U+FFFD. A real that JSON has no number for becomes null, a kind that it does not know its text form.

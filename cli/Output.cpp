@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <string>
 #include <system_error>
 
 #include "cli/Errors.h"
@@ -53,6 +54,21 @@ void Output::finish() {
 
 void Output::note(std::string_view text) const {
   if (!quiet_) writeError("tavlo: note: ", text);
+}
+
+void Output::progress(std::string_view text) {
+  if (quiet_ || isatty(STDERR_FILENO) != 1) return;
+  std::string line = "\r" + harmless(text);
+  const std::size_t width = displayWidth(text);
+  if (width < progressWidth_) line.append(progressWidth_ - width, ' ');
+  progressWidth_ = width;
+  static_cast<void>(std::fwrite(line.data(), 1, line.size(), stderr));
+}
+
+void Output::endProgress(std::string_view text) {
+  if (isatty(STDERR_FILENO) != 1) return note(text);
+  progress(text);
+  if (!quiet_) std::fputs("\n", stderr);
 }
 
 TableLook Output::tableLook() const {

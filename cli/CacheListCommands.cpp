@@ -1,0 +1,77 @@
+// cache list, put-list and sort.
+#include <optional>
+#include <string>
+
+#include "TavloUtility.h"
+#include "cache/KeyedArchive.h"
+#include "cli/ArchiveJson.h"
+#include "cli/CacheSession.h"
+#include "cli/Commands.h"
+#include "cli/Errors.h"
+#include "cli/Input.h"
+#include "cli/Json.h"
+#include "common/Format.h"
+
+namespace tavlo::cli {
+namespace {
+
+constexpr std::size_t kLongestFile = kLongestArchiveJson;
+
+std::optional<Value> readJsonList(const std::string& file) {
+  try {
+    return parseArchiveJson(readInput(file, kLongestFile));
+  } catch (const JsonError& error) {
+    throw Failure(inputName(file) + ":" + std::to_string(error.line()) + ": " + error.what());
+  }
+}
+
+// The whole text is made before anything is printed.
+void answerValue(const std::optional<Value>& value, const Run& run) {
+  if (run.globals.json) return run.output.answerLine(toArchiveJson(value, ArchiveLayout::oneLine));
+  run.output.answerLine(value ? toArchiveJson(value, ArchiveLayout::indented) : std::string(kAbsent));
+}
+
+// A file that is there and cannot be read must not pass for a list that is nothing.
+void requireReadable(const std::string& path) {
+  const auto platform = platform::current();
+  platform::FileManager& files = platform->fileManager();
+  if (files.fileExistsAtPath(path) && !files.dataWithContentsOfFile(path)) {
+    throw Failure("cannot read " + path + "; check that it is a regular file, and the rights to it");
+  }
+}
+
+}  // namespace
+
+void execute(const PrintCachedList& command, const Run& run) try {
+  const CacheSession session(run);
+  const auto list = TavloUtility::getCachedVideoList(command.list == host::CachedList::video);
+  const std::string path = (session.folder() / host::fileName(command.list)).string();
+  if (!list) requireReadable(path);
+  answerValue(list, run);
+  if (!list && !platform::current()->fileManager().fileExistsAtPath(path)) session.noteWhyAbsent();
+} catch (const ArchiveError& error) {
+  throw Failure(std::string(error.what()) + "; write a new list with put-list, or remove this one");
+} catch (const ArchiveTooLarge& error) {
+  throw Failure(std::string("the list cannot be printed: ") + error.what() +
+                ", since parts of it are shared; write a new list with put-list, or remove this one");
+}
+
+void execute(const PutCachedList& command, const Run& run) try {
+  const auto list = readJsonList(command.file);
+  const CacheSession session(run);
+  host::writeCachedList(command.list, list.value_or(Uid{}));
+  answerText((session.folder() / host::fileName(command.list)).string(), run);
+} catch (const host::CachedListError& error) {
+  throw Failure(error.what());
+}
+
+void execute(const SortList& command, const Run& run) {
+  const auto list = readJsonList(command.file);
+  if (list && !list->ifList() && !list->ifSet()) {
+    throw Failure(inputName(command.file) +
+                  " holds no list; give [...] or {\"$set\": [...]}, as tavlo cache list prints it");
+  }
+  answerValue(TavloUtility::sortCacahedVideoDates(list), run);
+}
+
+}  // namespace tavlo::cli

@@ -1,0 +1,28 @@
+// What words of the command line stand for: tables of rows with a `name`.
+#pragma once
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+
+#include "cli/Errors.h"
+
+namespace tavlo::cli {
+
+template <class T>
+struct Named {
+  std::string_view name;
+  T value;
+};
+
+// What the name stands for among the rows. Throws UsageError, with all names there are, for one that is none.
+template <class Rows>
+[[nodiscard]] const auto& named(const Rows& rows, const std::string& name, const std::string& what) {
+  const auto found = std::find_if(rows.begin(), rows.end(), [&](const auto& row) { return row.name == name; });
+  if (found != rows.end()) return *found;
+  std::string names;
+  for (const auto& row : rows) names += (names.empty() ? "" : ", ") + std::string(row.name);
+  throw UsageError(what + " \"" + name + "\" is none of " + names);
+}
+
+}  // namespace tavlo::cli
