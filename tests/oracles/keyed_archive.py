@@ -16,6 +16,7 @@ import plistlib
 import random
 import struct
 import sys
+from collections import namedtuple
 
 EPOCH = datetime.datetime(2001, 1, 1)
 EPOCH_SINCE_1970 = 978307200.0
@@ -25,31 +26,11 @@ class Null:
     pass
 
 
-class Date:
-    def __init__(self, seconds):
-        self.seconds = seconds
-
-
-class Set:
-    def __init__(self, items):
-        self.items = items
-
-
-class Url:
-    def __init__(self, text, base=None):
-        self.text = text
-        self.base = base
-
-
-class Map:
-    def __init__(self, entries):
-        self.entries = entries
-
-
-class Custom:
-    def __init__(self, name, entries):
-        self.name = name
-        self.entries = entries
+Date = namedtuple("Date", "seconds")
+Set = namedtuple("Set", "items")
+Url = namedtuple("Url", "text base", defaults=[None])
+Map = namedtuple("Map", "entries")
+Custom = namedtuple("Custom", "name entries")
 
 
 def bits(number):
