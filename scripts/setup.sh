@@ -10,7 +10,7 @@ Installs the Debian packages that are missing. With all of them there it needs n
   -h     this text"
 
 packages=(
-  g++ cmake ninja-build libcli11-dev nlohmann-json3-dev libsqlite3-dev                     # the product
+  g++ cmake ninja-build libcli11-dev nlohmann-json3-dev libsqlite3-dev libcurl4-openssl-dev  # the product
   libgtest-dev libgmock-dev libssl-dev libbenchmark-dev python3 strace shellcheck locales  # the tests
 )
 readonly CI_PACKAGES=(clang libclang-rt-14-dev clang-format-14 clang-tidy-14)

@@ -1,20 +1,27 @@
 #include "platform/linux/LinuxPlatform.h"
 
 #include <mutex>
+#include <stdexcept>
+#include <string>
 #include <utility>
 
 #include "platform/linux/Container.h"
 #include "platform/linux/LinuxFileManager.h"
+#include "platform/linux/LinuxUrlData.h"
 #include "platform/linux/SettingsStore.h"
 #include "platform/linux/StandardErrorConsole.h"
+#include "platform/linux/WorkerQueue.h"
 
 namespace tavlo::linux_platform {
 namespace {
 
 class LinuxPlatform final : public platform::Platform {
  public:
-  LinuxPlatform(std::optional<Container> container, bool quietConsole)
-      : container_(std::move(container)), quietConsole_(quietConsole) {}
+  LinuxPlatform(std::optional<Container> container, const Options& options)
+      : container_(std::move(container)),
+        quietConsole_(options.quietConsole),
+        workers_(options.downloads.workers),
+        urlData_(std::make_shared<LinuxUrlData>(options.downloads, options.certificateAuthorities)) {}
 
   platform::UserDefaults& standardUserDefaults() override {
     if (!container_) return Platform::standardUserDefaults();
@@ -30,6 +37,17 @@ class LinuxPlatform final : public platform::Platform {
 
   platform::Console& console() override { return quietConsole_ ? Platform::console() : console_; }
 
+  // What HTTP cleans up when the process exits must outlive the workers, so it is set up before the first one.
+  platform::BackgroundQueue& backgroundQueue() override {
+    std::call_once(queueMade_, [this] {
+      prepareHttp();
+      queue_.emplace(workers_, [urlData = urlData_] { urlData->cancel(); });
+    });
+    return *queue_;
+  }
+
+  platform::UrlData& urlData() override { return *urlData_; }
+
  private:
   const std::optional<Container> container_;
   const bool quietConsole_;
@@ -38,12 +56,25 @@ class LinuxPlatform final : public platform::Platform {
   std::optional<SettingsStore> settings_;
   std::once_flag filesMade_;
   std::optional<LinuxFileManager> files_;
+  const int workers_;
+  const std::shared_ptr<LinuxUrlData> urlData_;  // shared with the exit handler, which may cancel it at any time
+  std::once_flag queueMade_;
+  std::optional<WorkerQueue> queue_;
 };
+
+void check(const std::optional<std::filesystem::path>& certificateAuthorities) {
+  if (!certificateAuthorities) return;
+  const std::string& path = certificateAuthorities->native();
+  if (!path.empty() && path.find('\0') == std::string::npos) return;
+  throw std::invalid_argument("the option \"certificateAuthorities\" must be a path, not empty and without a NUL");
+}
 
 }  // namespace
 
 std::shared_ptr<platform::Platform> make(const Options& options) {
-  return std::make_shared<LinuxPlatform>(Container::locate(options.container, options.domain), options.quietConsole);
+  check(options.downloads);
+  check(options.certificateAuthorities);
+  return std::make_shared<LinuxPlatform>(Container::locate(options.container, options.domain), options);
 }
 
 }  // namespace tavlo::linux_platform

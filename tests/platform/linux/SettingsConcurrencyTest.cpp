@@ -7,13 +7,12 @@
 #include <unistd.h>
 
 #include <atomic>
-#include <condition_variable>
 #include <map>
-#include <mutex>
 #include <sstream>
 #include <thread>
 
 #include "tests/platform/linux/SettingsFixture.h"
+#include "tests/support/Gate.h"
 
 namespace tavlo::test {
 namespace {
@@ -21,25 +20,6 @@ namespace {
 using linux_platform::SettingsStore;
 using std::chrono::milliseconds;
 using testing::IsEmpty;
-
-// Opened once, for any number of threads that wait for it.
-class Gate {
- public:
-  void open() {
-    const std::lock_guard lock(mutex_);
-    open_ = true;
-    opens_.notify_all();
-  }
-  void wait() {
-    std::unique_lock lock(mutex_);
-    opens_.wait(lock, [this] { return open_; });
-  }
-
- private:
-  std::mutex mutex_;
-  std::condition_variable opens_;
-  bool open_ = false;
-};
 
 // The lock file, locked by an open file of its own, as another process has it.
 class OthersLock {

@@ -1,0 +1,211 @@
+#include <curl/curl.h>
+#include <sys/socket.h>
+
+#include <atomic>
+#include <chrono>
+#include <mutex>
+#include <new>
+#include <string_view>
+#include <utility>
+
+#include "platform/linux/HttpTransfer.h"
+#include "platform/linux/ResponseHead.h"
+
+namespace tavlo::linux_platform {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+bool libraryIsReady() noexcept {
+  static std::once_flag once;
+  static std::atomic<bool> ready = false;
+  std::call_once(once, [] { ready = curl_global_init(CURL_GLOBAL_DEFAULT) == CURLE_OK; });
+  return ready;
+}
+
+struct EasyCleanup {
+  void operator()(CURL* easy) const { curl_easy_cleanup(easy); }
+};
+struct MultiCleanup {
+  void operator()(CURLM* multi) const { curl_multi_cleanup(multi); }
+};
+
+// What one fetch has received so far, and when it last got on.
+class Response {
+ public:
+  explicit Response(const DownloadLimits& limits) : limits_(limits), head_(limits.responseHead) {}
+
+  bool addHeadLine(std::string_view line) {
+    moved();
+    return head_.add(line);
+  }
+
+  bool addBody(std::string_view bytes) {
+    moved();
+    if (bytes.size() > limits_.body - body_.size()) return false;
+    makeRoom(body_.size() + bytes.size());
+    body_ += bytes;
+    return true;
+  }
+
+  // The bytes of the body that came, whether they are kept or are those of a redirect.
+  bool countBody(std::uint64_t size) {
+    if (size != counted_) moved();
+    counted_ = size;
+    return size <= limits_.body;
+  }
+
+  // The time to connect has a limit of its own.
+  void connects() { connecting_ = true; }
+  void isConnected() {
+    connecting_ = false;
+    moved();
+  }
+
+  [[nodiscard]] Clock::duration timeToStall() const {
+    return connecting_ ? limits_.connect : limits_.stall - (Clock::now() - lastMove_);
+  }
+
+  [[nodiscard]] bool isComplete() const { return head_.isComplete(); }
+  [[nodiscard]] std::string takeBody() { return std::move(body_); }
+
+ private:
+  void moved() { lastMove_ = Clock::now(); }
+
+  // The announced size, else the limit halved as often as it may be, so that old and new storage together
+  // never have more bytes in use than the limit.
+  void makeRoom(std::size_t needed) {
+    if (needed <= body_.capacity()) return;
+    std::size_t room = limits_.body;
+    if (const auto length = head_.contentLength(); length && *length >= needed && *length <= limits_.body) {
+      room = static_cast<std::size_t>(*length);
+    } else {
+      while (room / 2 >= needed) room /= 2;
+    }
+    body_.reserve(room);
+  }
+
+  const DownloadLimits& limits_;
+  ResponseHead head_;
+  std::string body_;
+  std::uint64_t counted_ = 0;
+  bool connecting_ = true;
+  Clock::time_point lastMove_ = Clock::now();
+};
+
+// Nothing may be thrown through the library, which takes a short count for a failure.
+template <bool (Response::*Add)(std::string_view)>
+std::size_t receive(char* bytes, std::size_t one, std::size_t count, void* response) noexcept {
+  const std::size_t size = one * count;
+  try {
+    return (static_cast<Response*>(response)->*Add)({bytes, size}) ? size : CURL_WRITEFUNC_ERROR;
+  } catch (const std::bad_alloc&) {
+    return CURL_WRITEFUNC_ERROR;
+  }
+}
+
+curl_socket_t openSocket(void* response, curlsocktype, curl_sockaddr* address) noexcept {
+  static_cast<Response*>(response)->connects();
+  return ::socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
+}
+
+int beforeRequest(void* response, char*, char*, int, int) noexcept {
+  static_cast<Response*>(response)->isConnected();
+  return CURL_PREREQFUNC_OK;
+}
+
+class CurlTransfer final : public HttpTransfer {
+ public:
+  CurlTransfer(const DownloadLimits& limits, const std::optional<std::filesystem::path>& certificateAuthorities)
+      : limits_(limits), multi_(curl_multi_init()), easy_(curl_easy_init()) {
+    usable_ = multi_ && easy_ && setProtocol() && setLimits() && setCallbacks() &&
+              (!certificateAuthorities || set(CURLOPT_CAINFO, certificateAuthorities->c_str()));
+  }
+
+  std::optional<std::string> fetch(const std::string& url) noexcept override {
+    if (!usable_) return std::nullopt;
+    Response response(limits_);
+    const bool begun = set(CURLOPT_URL, url.c_str()) && set(CURLOPT_WRITEDATA, &response) &&
+                       set(CURLOPT_HEADERDATA, &response) && set(CURLOPT_OPENSOCKETDATA, &response) &&
+                       set(CURLOPT_PREREQDATA, &response) &&
+                       curl_multi_add_handle(multi_.get(), easy_.get()) == CURLM_OK;
+    const bool succeeded = begun && run(response);
+    if (begun) curl_multi_remove_handle(multi_.get(), easy_.get());
+    if (!succeeded || !response.isComplete()) return std::nullopt;
+    return response.takeBody();
+  }
+
+  void cancel() noexcept override {
+    cancelled_ = true;
+    if (multi_) curl_multi_wakeup(multi_.get());
+  }
+
+ private:
+  template <class Value>
+  bool set(CURLoption option, Value value) {
+    return curl_easy_setopt(easy_.get(), option, value) == CURLE_OK;
+  }
+
+  // Content decoding stays off as long as no encoding is accepted.
+  bool setProtocol() {
+    return set(CURLOPT_PROTOCOLS_STR, "http,https") && set(CURLOPT_REDIR_PROTOCOLS_STR, "http,https") &&
+           set(CURLOPT_HTTP_VERSION, long{CURL_HTTP_VERSION_1_1}) && set(CURLOPT_HTTP09_ALLOWED, 0L) &&
+           set(CURLOPT_FOLLOWLOCATION, 1L) && set(CURLOPT_FAILONERROR, 1L) && set(CURLOPT_PATH_AS_IS, 1L) &&
+           set(CURLOPT_SSL_VERIFYPEER, 1L) && set(CURLOPT_SSL_VERIFYHOST, 2L) &&
+           set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L) && set(CURLOPT_USERAGENT, "TavloUtility") &&
+           set(CURLOPT_NOSIGNAL, 1L) && set(CURLOPT_QUICK_EXIT, 1L);
+  }
+
+  bool setLimits() {
+    return set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(limits_.connect.count())) &&
+           set(CURLOPT_TIMEOUT_MS, static_cast<long>(limits_.total.count())) &&
+           set(CURLOPT_MAXREDIRS, long{limits_.redirects}) &&
+           set(CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(limits_.body));
+  }
+
+  bool setCallbacks() {
+    return set(CURLOPT_WRITEFUNCTION, &receive<&Response::addBody>) &&
+           set(CURLOPT_HEADERFUNCTION, &receive<&Response::addHeadLine>) &&
+           set(CURLOPT_OPENSOCKETFUNCTION, &openSocket) && set(CURLOPT_PREREQFUNCTION, &beforeRequest);
+  }
+
+  bool run(Response& response) {
+    while (!cancelled_) {
+      int running = 0;
+      if (curl_multi_perform(multi_.get(), &running) != CURLM_OK) return false;
+      if (running == 0) return hasSucceeded();
+
+      curl_off_t received = 0;
+      curl_easy_getinfo(easy_.get(), CURLINFO_SIZE_DOWNLOAD_T, &received);
+      if (!response.countBody(static_cast<std::uint64_t>(received))) return false;
+      const auto wait = std::chrono::ceil<std::chrono::milliseconds>(response.timeToStall());
+      if (wait.count() <= 0) return false;
+      if (curl_multi_poll(multi_.get(), nullptr, 0, static_cast<int>(wait.count()), nullptr) != CURLM_OK) return false;
+    }
+    return false;
+  }
+
+  bool hasSucceeded() {
+    int left = 0;
+    const CURLMsg* const message = curl_multi_info_read(multi_.get(), &left);
+    return message != nullptr && message->msg == CURLMSG_DONE && message->data.result == CURLE_OK;
+  }
+
+  const DownloadLimits limits_;
+  std::unique_ptr<CURLM, MultiCleanup> multi_;
+  std::unique_ptr<CURL, EasyCleanup> easy_;
+  bool usable_ = false;
+  std::atomic<bool> cancelled_ = false;
+};
+
+}  // namespace
+
+std::unique_ptr<HttpTransfer> makeHttpTransfer(const DownloadLimits& limits,
+                                               const std::optional<std::filesystem::path>& certificateAuthorities) {
+  if (!libraryIsReady()) return nullptr;
+  return std::make_unique<CurlTransfer>(limits, certificateAuthorities);
+}
+
+void prepareHttp() noexcept { static_cast<void>(libraryIsReady()); }
+
+}  // namespace tavlo::linux_platform

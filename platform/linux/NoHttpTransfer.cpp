@@ -1,0 +1,12 @@
+// Stands in for the transfers where the library is built without HTTP.
+#include "platform/linux/HttpTransfer.h"
+
+namespace tavlo::linux_platform {
+
+std::unique_ptr<HttpTransfer> makeHttpTransfer(const DownloadLimits&, const std::optional<std::filesystem::path>&) {
+  return nullptr;
+}
+
+void prepareHttp() noexcept {}
+
+}  // namespace tavlo::linux_platform
