@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "common/ValueComparison.h"
+
 namespace tavlo {
 namespace {
 
@@ -18,18 +20,17 @@ const Value* startDateOf(const Value& record) {
   return nothing ? nullptr : date;
 }
 
-bool isEarlier(const Keyed& a, const Keyed& b) {
-  if (!a.startDate || !b.startDate) return !a.startDate && b.startDate;
-  return *a.startDate < *b.startDate;
-}
-
 }  // namespace
 
 ValueList sortedByStartDate(const ValueList& records) {
   std::vector<Keyed> order;
   order.reserve(records.size());
   for (const Value& record : records) order.push_back({.startDate = startDateOf(record), .record = &record});
-  std::stable_sort(order.begin(), order.end(), isEarlier);
+  ValueComparison comparison;
+  std::stable_sort(order.begin(), order.end(), [&](const Keyed& a, const Keyed& b) {
+    if (!a.startDate || !b.startDate) return !a.startDate && b.startDate;
+    return comparison.compare(*a.startDate, *b.startDate) < 0;
+  });
 
   ValueList sorted;
   sorted.reserve(records.size());
