@@ -83,6 +83,7 @@ def generate(count, seed):
         yield text
 
 
-for url in generate(int(sys.argv[1]), int(sys.argv[2])):
-    answer = extension(url)
-    print(url.encode().hex(), "-" if answer is None else answer.encode().hex(), sep="\t")
+if __name__ == "__main__":
+    for generated in generate(int(sys.argv[1]), int(sys.argv[2])):
+        answer = extension(generated)
+        print(generated.encode().hex(), "-" if answer is None else answer.encode().hex(), sep="\t")
