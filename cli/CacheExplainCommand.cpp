@@ -53,8 +53,9 @@ Explanation explain(const std::string& url, const fs::path& folder) {
 }
 
 std::string extensionReason(const Explanation& it) {
+  if (!it.video.name) return "";
   if (it.extension == "") return "The path of the URL has no extension, so the video's name ends in a dot.";
-  if (it.extension || it.url.empty()) return "";
+  if (it.extension) return "";
   const std::string name = "so the video's name ends in .(null)";
   return it.cleanedExtension
              ? "The text as given is no URL, only the cleaned one is, and the extension comes from the "
@@ -95,7 +96,8 @@ void answerTable(const Explanation& it, const Run& run) {
   };
   const auto text = [](const Text& value) { return value ? cli::quoted(*value) : std::string(kAbsent); };
   const auto file = [&](const std::string& what, const NamedFile& named) {
-    return row(what, named.name ? displayed(*named.name) : std::string(kAbsent), named.exists ? "is there" : "missing");
+    if (!named.name) return row(what, std::string(kAbsent));
+    return row(what, displayed(*named.name), named.exists ? "is there" : "missing");
   };
   run.output.answer(
       table({row("text as given", cli::quoted(it.url)), row("cleaned for look-ups", cli::quoted(it.cleaned)),

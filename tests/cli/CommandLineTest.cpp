@@ -68,6 +68,17 @@ INSTANTIATE_TEST_SUITE_P(
          "\"..\""},
         {"EmptyDomain", {"id", "show", "--domain", ""}, "--domain takes a name, and \"\" is none"},
         {"EmptyContainer", {"id", "show", "--container", ""}, "the container is an empty path"},
+        {"NoCacheCommand", {"cache"}, "A subcommand is required", "tavlo cache"},
+        {"UnknownCacheCommand", {"cache", "frobnicate"}, "\"frobnicate\" is unexpected here", "tavlo cache"},
+        {"NoCacheName", {"cache", "path"}, "NAME is required", "tavlo cache path"},
+        {"NothingToFetch", {"cache", "fetch"}, "URL is required", "tavlo cache fetch"},
+        {"UnknownList",
+         {"cache", "list", "banner"},
+         "the list \"banner\" is none of video, interstitial",
+         "tavlo cache list"},
+        {"NoListFile", {"cache", "put-list", "video"}, "FILE is required", "tavlo cache put-list"},
+        {"ArgumentForClear", {"cache", "clear", "all"}, "\"all\" is unexpected here", "tavlo cache clear"},
+        {"SecondUrl", {"cache", "explain", "a", "b"}, "\"b\" is unexpected here", "tavlo cache explain"},
         {"ControlCharactersAreEscaped", {"\x1b[31m"}, "\"\\u{1b}[31m\" is unexpected here"},
     }),
     tavlo::test::kCaseName);
@@ -91,10 +102,15 @@ TEST(CommandLineTest, HelpTeaches) {
 }
 
 TEST(CommandLineTest, EveryCommandHasHelpWithAnExampleOfItself) {
-  const std::vector<std::vector<std::string>> commands{
-      {"request"},        {"id"},     {"id", "get"}, {"id", "set"}, {"id", "show"},   {"md5"},
-      {"extension"},      {"encode"}, {"contract"},  {"event"},     {"event", "add"}, {"event", "list"},
-      {"event", "clear"}, {"use"},    {"demo"}};
+  std::vector<std::vector<std::string>> commands{{"request"},        {"id"},    {"id", "get"},    {"id", "set"},
+                                                 {"id", "show"},     {"md5"},   {"extension"},    {"encode"},
+                                                 {"contract"},       {"event"}, {"event", "add"}, {"event", "list"},
+                                                 {"event", "clear"}, {"use"},   {"demo"}};
+  for (const char* const name :
+       {"path", "video", "saved", "banner", "fetch", "explain", "ls", "list", "put-list", "sort", "delete", "clear"}) {
+    commands.push_back({"cache", name});
+  }
+  commands.push_back({"cache"});
   for (auto arguments : commands) {
     std::string words = "tavlo";
     for (const std::string& word : arguments) words += " " + word;
