@@ -9,7 +9,7 @@ namespace {
 
 using Kind = Value::Kind;
 
-std::string quoted(std::string_view word) { return "\"" + std::string(word) + "\""; }
+std::string quoted(std::string_view word) { return std::string(1, '"').append(word).append(1, '"'); }
 
 const Value& field(const Place& place, const ValueMap& fields, std::string_view name) {
   const Value* const value = fields.find(name);
@@ -27,8 +27,9 @@ const Value& fieldOf(Kind kind, const char* kindName, const Place& place, const 
 }  // namespace
 
 void Place::fail(const std::string& what) const {
-  const std::string named = knownClass.empty() ? "" : " (" + std::string(knownClass) + ")";
-  throw ArchiveError("object " + std::to_string(object) + named + ": " + what);
+  std::string where = "object " + std::to_string(object);
+  if (!knownClass.empty()) where.append(" (").append(knownClass).append(")");
+  throw ArchiveError(where.append(": ").append(what));
 }
 
 ArchivedObject ArchivedObjects::object(std::size_t number) {

@@ -155,7 +155,7 @@ Value Reader::url(const ArchivedObject& object) {
 }
 
 [[noreturn]] void fail(std::string_view word, const std::string& what) {
-  throw ArchiveError("\"" + std::string(word) + "\" " + what);
+  throw ArchiveError(std::string(1, '"').append(word).append("\" ").append(what));
 }
 
 const Value& entry(const ValueMap& archive, std::string_view word) {
