@@ -10,8 +10,8 @@ Installs the Debian packages that are missing. With all of them there it needs n
   -h     this text"
 
 packages=(
-  g++ cmake ninja-build libcli11-dev nlohmann-json3-dev libsqlite3-dev libcurl4-openssl-dev  # the product
-  libgtest-dev libgmock-dev libssl-dev libbenchmark-dev python3 strace shellcheck locales  # the tests
+  g++ cmake ninja-build libcli11-dev nlohmann-json3-dev libsqlite3-dev libcurl4-openssl-dev        # the product
+  libgtest-dev libgmock-dev libssl-dev libbenchmark-dev python3 openssl strace shellcheck locales  # the tests
 )
 readonly CI_PACKAGES=(clang libclang-rt-14-dev clang-format-14 clang-tidy-14)
 

@@ -37,6 +37,7 @@ class Response {
 
   bool addHeadLine(std::string_view line) {
     moved();
+    closeNotified_ = false;
     return head_.add(line);
   }
 
@@ -66,7 +67,12 @@ class Response {
     return connecting_ ? limits_.connect : limits_.stall - (Clock::now() - lastMove_);
   }
 
-  [[nodiscard]] bool isComplete() const { return head_.isComplete(); }
+  void isCloseNotified() { closeNotified_ = true; }
+
+  // Over TLS only the peer's close-notify tells the end of a body that ends with its connection from a cut.
+  [[nodiscard]] bool isComplete(bool secure) const {
+    return head_.isComplete() && (!secure || closeNotified_ || head_.delimitsBody());
+  }
   [[nodiscard]] std::string takeBody() { return std::move(body_); }
 
  private:
@@ -90,6 +96,7 @@ class Response {
   std::string body_;
   std::uint64_t counted_ = 0;
   bool connecting_ = true;
+  bool closeNotified_ = false;
   Clock::time_point lastMove_ = Clock::now();
 };
 
@@ -114,6 +121,13 @@ int beforeRequest(void* response, char*, char*, int, int) noexcept {
   return CURL_PREREQFUNC_OK;
 }
 
+// The library takes a connection that is cut for one that was closed, but shows the TLS messages that it gets: the
+// two bytes of an alert are its level and its description, of which 0 is close-notify.
+int watchTls(CURL*, curl_infotype type, char* bytes, std::size_t size, void* response) noexcept {
+  if (type == CURLINFO_SSL_DATA_IN && size == 2 && bytes[1] == 0) static_cast<Response*>(response)->isCloseNotified();
+  return 0;
+}
+
 class CurlTransfer final : public HttpTransfer {
  public:
   CurlTransfer(const DownloadLimits& limits, const std::optional<std::filesystem::path>& certificateAuthorities)
@@ -127,11 +141,11 @@ class CurlTransfer final : public HttpTransfer {
     Response response(limits_);
     const bool begun = set(CURLOPT_URL, url.c_str()) && set(CURLOPT_WRITEDATA, &response) &&
                        set(CURLOPT_HEADERDATA, &response) && set(CURLOPT_OPENSOCKETDATA, &response) &&
-                       set(CURLOPT_PREREQDATA, &response) &&
+                       set(CURLOPT_PREREQDATA, &response) && set(CURLOPT_DEBUGDATA, &response) &&
                        curl_multi_add_handle(multi_.get(), easy_.get()) == CURLM_OK;
-    const bool succeeded = begun && run(response);
+    const bool succeeded = begun && run(response) && response.isComplete(isSecure());
     if (begun) curl_multi_remove_handle(multi_.get(), easy_.get());
-    if (!succeeded || !response.isComplete()) return std::nullopt;
+    if (!succeeded) return std::nullopt;
     return response.takeBody();
   }
 
@@ -166,7 +180,8 @@ class CurlTransfer final : public HttpTransfer {
   bool setCallbacks() {
     return set(CURLOPT_WRITEFUNCTION, &receive<&Response::addBody>) &&
            set(CURLOPT_HEADERFUNCTION, &receive<&Response::addHeadLine>) &&
-           set(CURLOPT_OPENSOCKETFUNCTION, &openSocket) && set(CURLOPT_PREREQFUNCTION, &beforeRequest);
+           set(CURLOPT_OPENSOCKETFUNCTION, &openSocket) && set(CURLOPT_PREREQFUNCTION, &beforeRequest) &&
+           set(CURLOPT_DEBUGFUNCTION, &watchTls) && set(CURLOPT_VERBOSE, 1L);
   }
 
   bool run(Response& response) {
@@ -189,6 +204,12 @@ class CurlTransfer final : public HttpTransfer {
     int left = 0;
     const CURLMsg* const message = curl_multi_info_read(multi_.get(), &left);
     return message != nullptr && message->msg == CURLMSG_DONE && message->data.result == CURLE_OK;
+  }
+
+  bool isSecure() {
+    const char* scheme = nullptr;
+    curl_easy_getinfo(easy_.get(), CURLINFO_SCHEME, &scheme);
+    return scheme == nullptr || (std::string_view(scheme) != "HTTP" && std::string_view(scheme) != "http");
   }
 
   const DownloadLimits limits_;

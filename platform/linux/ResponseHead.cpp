@@ -33,7 +33,9 @@ bool ResponseHead::add(std::string_view line) {
   const std::string_view name = line.substr(0, colon);
   const std::string_view value = trimmed(line.substr(std::min(colon + 1, line.size())));
   if (equalsIgnoringCase(name, "content-length")) return addLength(value);
-  return !equalsIgnoringCase(name, "transfer-encoding") || equalsIgnoringCase(value, "chunked");
+  if (!equalsIgnoringCase(name, "transfer-encoding")) return true;
+  chunked_ = equalsIgnoringCase(value, "chunked");
+  return chunked_;
 }
 
 void ResponseHead::begin(std::string_view statusLine) {
@@ -42,6 +44,8 @@ void ResponseHead::begin(std::string_view statusLine) {
   begun_ = true;
   ended_ = false;
   interim_ = code.starts_with('1');
+  bodiless_ = code.starts_with("204") || code.starts_with("304");
+  chunked_ = false;
   length_.reset();
 }
 

@@ -26,6 +26,9 @@ class ResponseHead {
 
   [[nodiscard]] std::optional<std::uint64_t> contentLength() const { return length_; }
 
+  // The body says where it ends, by a length or by chunks, and does not just end with the connection.
+  [[nodiscard]] bool delimitsBody() const { return length_ || chunked_ || bodiless_; }
+
  private:
   void begin(std::string_view statusLine);
   bool addLength(std::string_view value);
@@ -35,6 +38,8 @@ class ResponseHead {
   bool begun_ = false;
   bool ended_ = false;
   bool interim_ = false;
+  bool bodiless_ = false;
+  bool chunked_ = false;
   std::optional<std::uint64_t> length_;
 };
 

@@ -95,6 +95,20 @@ TEST(ResponseHead, TakesChunksInAnyLetterCase) {
   EXPECT_TRUE(head.isComplete());
 }
 
+TEST(ResponseHead, KnowsWhetherTheBodySaysWhereItEnds) {
+  const auto delimits = [](const std::vector<std::string>& lines) {
+    ResponseHead head(1000);
+    return addAll(head, lines) && head.delimitsBody();
+  };
+
+  EXPECT_FALSE(delimits({kOk, kEnd}));
+  EXPECT_TRUE(delimits({kOk, "Content-Length: 0\r\n", kEnd}));
+  EXPECT_TRUE(delimits({kOk, "Transfer-Encoding: chunked\r\n", kEnd}));
+  EXPECT_TRUE(delimits({"HTTP/1.1 204 No Content\r\n", kEnd}));
+  EXPECT_TRUE(delimits({"HTTP/1.1 304 Not Modified\r\n", kEnd}));
+  EXPECT_FALSE(delimits({"HTTP/1.1 302 Found\r\n", "Transfer-Encoding: chunked\r\n", kEnd, kOk, kEnd}));
+}
+
 TEST(ResponseHead, MayBeAsLongAsTheLimitAfterEachRedirect) {
   ResponseHead head(40);
   const std::string twenty = "A: 45678901234567\r\n";

@@ -1,0 +1,124 @@
+// Banner downloads on the real platform, from a server on loopback into a temporary container.
+#pragma once
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "TavloUtility.h"
+#include "platform/linux/LinuxPlatform.h"
+#include "tests/integration/AwaitedLogger.h"
+#include "tests/support/BadServer.h"
+
+namespace tavlo::test {
+
+using linux_platform::DownloadLimits;
+
+// A server behaves as its path says, and this is what becomes of it: the image, or none.
+struct Behaviour {
+  const char* name;
+  std::string url;
+  std::optional<std::string> image;
+};
+
+class BannerDownloads : public testing::Test {
+ protected:
+  static inline const std::string kNoData = "getAndSaveBannerImage(): Passed data is empty";
+  static inline const std::string kWritten = "getAndSaveBannerImage() - write successfully";
+
+  // Far from what a test needs, so that what ends a download is what the test is about.
+  static constexpr std::chrono::hours kFar{24};
+  static constexpr DownloadLimits kLimits{
+      .connect = kFar, .stall = kFar, .total = kFar, .body = 1U << 20U, .redirects = 5};
+
+  BannerDownloads() {
+    Logger::install(logger_);
+    usePlatform(kLimits);
+  }
+  ~BannerDownloads() override {
+    platform::install(nullptr);
+    Logger::install(nullptr);
+  }
+
+  void usePlatform(const DownloadLimits& limits) {
+    platform::install(linux_platform::make({.container = folder_.path(),
+                                            .domain = "player",
+                                            .quietConsole = true,
+                                            .downloads = limits,
+                                            .certificateAuthorities = server_.certificateAuthority()}));
+  }
+
+  [[nodiscard]] std::filesystem::path cache() const { return folder_ / "Documents/TavloCache"; }
+  [[nodiscard]] std::filesystem::path imagePath(const std::string& url) const {
+    return cache() / TavloUtility::md5(Value(url)).value_or("");
+  }
+  [[nodiscard]] std::vector<std::string> names() const {
+    std::vector<std::string> names;
+    if (!std::filesystem::exists(cache())) return {"(no cache directory)"};
+    for (const auto& entry : std::filesystem::directory_iterator(cache())) names.push_back(entry.path().filename());
+    return names;
+  }
+
+  // Once without a cache directory, once over an older image.
+  void expect(const Behaviour& behaviour) {
+    SCOPED_TRACE(behaviour.name);
+    const std::string url = server_.url(behaviour.url);
+    const std::filesystem::path path = imagePath(url);
+    const std::string pathLine = "Cached directory path : " + path.string();
+    using Lines = std::vector<std::string>;
+
+    std::filesystem::remove_all(cache());
+    TavloUtility::cachedBannerImage(url);
+    const Lines fresh = behaviour.image ? Lines{"TavloCache directory created!", pathLine, kWritten} : Lines{kNoData};
+    EXPECT_EQ(logger_->takeAfter(1), fresh);
+    EXPECT_EQ(names(), Lines{behaviour.image ? path.filename().string() : "(no cache directory)"});
+    EXPECT_TRUE(readFile(path) == behaviour.image.value_or(""));
+
+    std::filesystem::create_directories(cache());
+    writeFile(path, "older");
+    TavloUtility::cachedBannerImage(url);
+    EXPECT_EQ(logger_->takeAfter(1), (behaviour.image ? Lines{pathLine, kWritten} : Lines{kNoData}));
+    EXPECT_EQ(names(), Lines{path.filename().string()});
+    EXPECT_TRUE(readFile(path) == behaviour.image.value_or("older"));
+  }
+
+  void expectAll(const std::vector<Behaviour>& behaviours) {
+    for (const Behaviour& behaviour : behaviours) expect(behaviour);
+  }
+
+  // Threads and descriptors of this process.
+  struct Usage {
+    std::ptrdiff_t descriptors = count("/proc/self/fd");
+    std::ptrdiff_t threads = count("/proc/self/task");
+
+    friend bool operator==(const Usage&, const Usage&) = default;
+
+   private:
+    static std::ptrdiff_t count(const char* folder) {
+      return std::distance(std::filesystem::directory_iterator(folder), std::filesystem::directory_iterator());
+    }
+  };
+
+  // The kernel and workers that nobody joins take a moment to give back what they had.
+  [[nodiscard]] static Usage usageOnceItIs(const Usage& expected) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+    Usage usage;
+    while (usage != expected && std::chrono::steady_clock::now() < end) {
+      std::this_thread::yield();
+      usage = Usage();
+    }
+    return usage;
+  }
+
+  BadServer server_;
+  TemporaryFolder folder_;
+  std::shared_ptr<AwaitedLogger> logger_ = std::make_shared<AwaitedLogger>();
+};
+
+}  // namespace tavlo::test
