@@ -5,7 +5,8 @@
 
 #include "TavloUtility.h"
 #include "cli/Commands.h"
-#include "cli/Errors.h"
+#include "cli/DemoCache.h"
+#include "cli/DemoReport.h"
 #include "cli/ExampleSession.h"
 #include "cli/Json.h"
 #include "cli/Place.h"
@@ -27,47 +28,6 @@ class CollectingPlatform final : public platform::Platform, public platform::Con
   std::vector<std::string> lines_;
 };
 
-// What the demo tells: text for people, or one JSON object at the end.
-class Report {
- public:
-  explicit Report(const Run& run) : run_(run) {}
-
-  void say(const std::string& text) {
-    if (!run_.globals.json) run_.output.answerLine(text);
-  }
-  void title(const std::string& text) { say("\n== " + text); }
-  void table(const std::vector<ExplainedPair>& pairs) {
-    if (!run_.globals.json) run_.output.answer(explanationTable(pairs, run_.output.tableLook()));
-  }
-  void request(const Contract& contract, const std::string& text) {
-    say("\n" + text);
-    requests_.append(contract.name, text);
-  }
-  void check(const std::string& claim, bool holds) {
-    say((holds ? "ok      " : "FAILED  ") + claim);
-    checks_.push_back(Value::map({{"claim", claim}, {"holds", holds}}));
-    if (!holds) ++failed_;
-  }
-
-  void finish() {
-    const std::string count = std::to_string(checks_.size());
-    if (failed_ == 0) say("\nAll " + count + " checks hold.");
-    if (run_.globals.json) {
-      run_.output.answerLine(toJson(
-          Value::map({{"requests", Value::map(std::move(requests_))}, {"checks", Value::list(std::move(checks_))}})));
-    }
-    if (failed_ > 0) {
-      throw Failure(std::to_string(failed_) + " of " + count + " checks of the demo failed; see FAILED in its output");
-    }
-  }
-
- private:
-  const Run& run_;
-  ValueMap requests_;
-  ValueList checks_;
-  std::size_t failed_ = 0;
-};
-
 // The request put together from its explained pairs, which each were read and rendered alone.
 std::string joined(const Contract& contract, const std::vector<ExplainedPair>& pairs) {
   if (contract.form == Form::map) {
@@ -83,7 +43,7 @@ std::string joined(const Contract& contract, const std::vector<ExplainedPair>& p
   return text;
 }
 
-void showRequests(Report& report) {
+void showRequests(DemoReport& report) {
   const auto outside = std::make_shared<CollectingPlatform>();
   install(parseSession(kExampleSession, "examples/session.json"), outside);
   for (const Contract& contract : kContracts) {
@@ -100,14 +60,14 @@ void showRequests(Report& report) {
   }
 }
 
-void showEmptySession(Report& report) {
+void showEmptySession(DemoReport& report) {
   report.title("An empty session: every key is sent, absent texts as (null)");
   install(parseSession("{}", "{}"), std::make_shared<CollectingPlatform>());
   report.check("the ad request has 737 characters", requestText(kAdRequestContract).size() == 737);
   report.check("the in-app request has 443 characters", requestText(kInAppContract).size() == 443);
 }
 
-void showIdentifiers(Report& report, const Place& place) {
+void showIdentifiers(DemoReport& report, const Place& place) {
   report.title("Identifiers: stored, and read back as after a restart");
   platform::install(place.makePlatform());
   TavloUtility::setAppIdToUserDefault("com.example.kino");
@@ -123,7 +83,7 @@ void showIdentifiers(Report& report, const Place& place) {
   report.check("an empty OptionalId is ignored", TavloUtility::getOptionalIdFromUserDefault() == "Zoë & Co");
 }
 
-void showTexts(Report& report) {
+void showTexts(DemoReport& report) {
   constexpr const char* kUrl = "https://cdn.example.com/v/clip%2Emp4?session=1#t=10";
   report.title("The name of a cached file: the digest of its URL, and the extension of its path");
   report.say(kUrl);
@@ -136,16 +96,19 @@ void showTexts(Report& report) {
 }  // namespace
 
 void execute(const Demo& /*command*/, const Run& run) {
-  std::optional<WorkFolder> temporary;
-  Globals globals = run.globals;
-  globals.domain = "tavlo-demo";
-  if (!globals.container) globals.container = temporary.emplace().path();
+  const WorkFolder temporary;
+  Globals ofTheCache = run.globals;  // which is cleared, so it is never one that someone uses
+  ofTheCache.domain = "tavlo-demo";
+  ofTheCache.container = temporary.path();
+  Globals globals = ofTheCache;
+  if (run.globals.container) globals.container = run.globals.container;
 
-  Report report(run);
+  DemoReport report(run);
   showRequests(report);
   showEmptySession(report);
   showIdentifiers(report, Place(globals));
   showTexts(report);
+  showCache(report, Place(ofTheCache));
   platform::install(nullptr);
   report.finish();
 }

@@ -5,8 +5,8 @@ namespace tavlo::cli::help {
 
 inline constexpr const char* kProgram =
     "tavlo shows and checks what the SDK's utility component does: the four requests that it\n"
-    "builds, the identifiers, tracker records and user counters that it keeps, and its text\n"
-    "operations.";
+    "builds, the identifiers, tracker records and user counters that it keeps, its media cache,\n"
+    "and its text operations.";
 
 inline constexpr const char* kProgramFooter =
     "Examples:\n"
@@ -14,6 +14,8 @@ inline constexpr const char* kProgramFooter =
     "      what the ad request of a session sends, value by value\n"
     "  tavlo id set app com.example.player && tavlo id show\n"
     "      stores the app id in the user's container and shows what is stored\n"
+    "  tavlo cache explain https://cdn.example.com/clip.mp4\n"
+    "      the names of a URL's files in the media cache, and which are there\n"
     "  tavlo encode < values.txt\n"
     "      percent-encodes each line\n"
     "\n"
@@ -82,7 +84,8 @@ inline constexpr const char* kUseFooter = "Example:\n  tavlo use && tavlo reques
 inline constexpr const char* kDemo = "Show the component at work, and check what it answers.";
 inline constexpr const char* kDemoFooter =
     "Works in a temporary container unless --container names one; its settings are those of\n"
-    "the domain \"tavlo-demo\".\n"
+    "the domain \"tavlo-demo\". The media cache is always a temporary one, since it is cleared in\n"
+    "the end. Its images come from a server that the demo starts on this machine.\n"
     "\n"
     "Example:\n"
     "  tavlo demo";

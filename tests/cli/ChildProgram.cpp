@@ -57,12 +57,13 @@ OutputEnds openOutput(const Setting& setting, const std::string& captured) {
   return {};
 }
 
-std::string readTerminal(int fd) {
+std::string takeTerminal(int fd) {
   std::string text;
   std::array<char, 4096> buffer{};
   for (ssize_t count = 0; (count = ::read(fd, buffer.data(), buffer.size())) > 0;) {
     text.append(buffer.data(), static_cast<std::size_t>(count));
   }
+  ::close(fd);
   std::erase(text, '\r');
   return text;
 }
@@ -102,25 +103,28 @@ Result run(const std::vector<std::string>& arguments, const Setting& setting) {
   const std::string inputPath = setting.inputPath.value_or((files / "in").string());
   const int input = setting.inputClosed ? -1 : ::open(inputPath.c_str(), O_RDONLY | O_CLOEXEC);
   const OutputEnds output = openOutput(setting, (files / "out").string());
-  const int error = ::open((files / "err").c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+  const std::string captured = (files / "err").string();
+  const OutputEnds error =
+      setting.errorTerminal
+          ? openTerminal(setting.terminalWidth)
+          : OutputEnds{.child = ::open(captured.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600), .parent = -1};
 
   const pid_t child = ::fork();
   if (child == 0) {
-    putInPlace(setting.errorClosed ? -1 : error, STDERR_FILENO);
+    putInPlace(setting.errorClosed ? -1 : error.child, STDERR_FILENO);
     putInPlace(output.child, STDOUT_FILENO);
     putInPlace(input, STDIN_FILENO);
     if (::chdir(setting.folder.c_str()) == 0) ::execve(argv[0], argv.data(), environment.data());
     ::_exit(127);
   }
-  for (const int fd : {input, output.child, error}) ::close(fd);
+  for (const int fd : {input, output.child, error.child}) ::close(fd);
+  if (setting.afterStart) setting.afterStart(child);
   Result result;
-  if (output.parent >= 0) {
-    result.out = readTerminal(output.parent);
-    ::close(output.parent);
-  }
+  if (output.parent >= 0) result.out = takeTerminal(output.parent);
+  if (error.parent >= 0) result.err = takeTerminal(error.parent);
   result.exitCode = exitCodeOf(child);
   if (output.parent < 0) result.out = readFile(files / "out");
-  result.err = readFile(files / "err");
+  if (error.parent < 0) result.err = readFile(captured);
   return result;
 }
 

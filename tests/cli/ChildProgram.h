@@ -3,6 +3,7 @@
 //   EXPECT_EQ(run({"encode", "a b"}), (Result{0, "a%20b\n", ""}));
 #pragma once
 
+#include <functional>
 #include <map>
 #include <optional>
 #include <ostream>
@@ -32,6 +33,8 @@ struct Setting {
   unsigned short terminalWidth = 0;
   bool inputClosed = false;
   bool errorClosed = false;
+  bool errorTerminal = false;                      // standard error is a terminal; `output` is none then
+  std::function<void(int child)> afterStart = {};  // called with the child's process id while it runs
 };
 
 [[nodiscard]] Result run(const std::vector<std::string>& arguments, const Setting& setting = {});

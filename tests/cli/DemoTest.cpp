@@ -25,6 +25,13 @@ constexpr const char* kEventCounts =
     R"({"network_id":12,"event":"impression","count":"2"}]})"
     "\n";
 
+constexpr const char* kSortedList =
+    R"([{"title":"first","startdate":{"$date":978307210.0}},{"title":"second","startdate":{"$date":978307220.0}},)"
+    R"({"title":"third","startdate":{"$date":978307230.0}}])"
+    "\nok      its records are sorted by their start dates\n"
+    "ok      clearing leaves the log file alone\n"
+    "ok      the log has what was stored before\n";
+
 std::vector<std::string> namesIn(const std::filesystem::path& folder) {
   std::vector<std::string> names;
   for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
@@ -49,8 +56,16 @@ TEST(DemoTest, ShowsTheRequestsAndHoldsAllItsChecks) {
   EXPECT_THAT(demo.out, testing::HasSubstr("11  mac_address              mac_address              absent "));
   EXPECT_THAT(demo.out, testing::HasSubstr("31  marital_status           maritalStatus            \"\" "));
   EXPECT_THAT(demo.out, testing::HasSubstr("\nok      OptionalId is Zoë & Co\n"));
+  EXPECT_THAT(demo.out, testing::ContainsRegex(
+                            "\n/banner.png is [0-9a-f]+\nok      the PNG image is found, byte for byte\n"
+                            "/banner.gif.size=1 is [0-9a-f]+\nok      the GIF image is found, byte for byte\n"
+                            "/banner.bmp is [0-9a-f]+\nok      the BMP image is found, byte for byte\n"
+                            "ok      what the server does not have is not stored\n"
+                            "ok      a URL with a newline is stored under one name and looked up under another\n"
+                            "ok      the video list is read as it was written\n"));
+  EXPECT_THAT(demo.out, testing::HasSubstr(kSortedList));
   EXPECT_THAT(demo.out, testing::Not(testing::HasSubstr("FAILED")));
-  EXPECT_THAT(demo.out, testing::EndsWith("\nAll 12 checks hold.\n"));
+  EXPECT_THAT(demo.out, testing::EndsWith("\nAll 21 checks hold.\n"));
   EXPECT_THAT(namesIn(temporary.path()), testing::IsEmpty());
 }
 
@@ -63,6 +78,17 @@ TEST(DemoTest, KeepsItsIdentifiersInAGivenContainerBesideThoseOfTheUser) {
 
   EXPECT_EQ(run({"id", "get", "app", "--container", container}).out, "mine\n");
   EXPECT_EQ(run({"id", "get", "app", "--container", container, "--domain", "tavlo-demo"}).out, "com.example.kino\n");
+}
+
+TEST(DemoTest, CacheOfAContainerThatIsNamedStaysAsItWas) {
+  const tavlo::test::TemporaryFolder folder;
+  std::filesystem::create_directories(folder / "Documents/TavloCache");
+  tavlo::test::writeFile(folder / "Documents/TavloCache/VideoListAPI", "mine");
+
+  ASSERT_EQ(run({"demo", "--container", folder.path().string()}).exitCode, 0);
+
+  EXPECT_EQ(namesIn(folder / "Documents"), std::vector<std::string>{"TavloCache/VideoListAPI"});
+  EXPECT_EQ(tavlo::test::readFile(folder / "Documents/TavloCache/VideoListAPI"), "mine");
 }
 
 TEST(DemoTest, JsonHasTheRequestsAndTheChecks) {
@@ -85,7 +111,7 @@ TEST(DemoTest, CheckThatDoesNotHoldIsAFailure) {
   // The platform answers from its memory until it is made anew.
   EXPECT_EQ(demo.exitCode, 1);
   EXPECT_THAT(demo.out, testing::HasSubstr("\nFAILED  ApplicationId is com.example.kino\n"));
-  EXPECT_EQ(demo.err, "tavlo: 4 of 12 checks of the demo failed; see FAILED in its output\n");
+  EXPECT_EQ(demo.err, "tavlo: 4 of 21 checks of the demo failed; see FAILED in its output\n");
 }
 
 TEST(DemoTest, TemporaryFolderThatCannotBeMadeIsAnError) {
