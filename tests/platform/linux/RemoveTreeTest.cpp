@@ -116,6 +116,24 @@ TEST_F(RemoveTree, AFolderThatBecomesALinkMeanwhileIsNotFollowed) {
   EXPECT_TRUE(fs::exists(folder_ / "moved/deep/file"));
 }
 
+TEST_F(RemoveTree, AnItemThatBecomesALinkMeanwhileIsNotFollowed) {
+  plant();
+  fs::create_directory(folder_ / "outside");
+  writeFile(folder_ / "outside/precious", "x");
+  syscalls_.setHook([&](const std::string& call) {
+    if (call == "open tree") {
+      fs::rename(folder_ / "tree", folder_ / "moved");
+      fs::create_directory_symlink(folder_ / "outside", folder_ / "tree");
+    }
+    return 0;
+  });
+
+  EXPECT_FALSE(remove(folder_ / "tree"));
+
+  EXPECT_TRUE(fs::exists(folder_ / "outside/precious"));
+  EXPECT_TRUE(fs::exists(folder_ / "moved/file"));
+}
+
 TEST_F(RemoveTree, AFolderThatIsMovedAwayMeanwhileEndsIt) {
   plant();
   syscalls_.setHook([&](const std::string& call) {
@@ -171,13 +189,36 @@ TEST_F(RemoveTree, WhatFailsStaysAndTheRestGoes) {
 TEST_F(RemoveTree, WhatAnotherRemovesMeanwhileCountsAsRemoved) {
   plant();
   syscalls_.setHook([&](const std::string& call) {
-    if (call.starts_with("unlinkat") || call.starts_with("openat")) fs::remove_all(folder_ / "tree/sub");
+    if (call == "unlinkat tree/file") fs::remove(folder_ / "tree/file");
+    if (call == "rmdirat tree/sub/deep") fs::remove(folder_ / "tree/sub/deep");
     return 0;
   });
 
-  static_cast<void>(remove(folder_ / "tree"));
-  syscalls_.setHook(nullptr);
-  static_cast<void>(remove(folder_ / "tree"));
+  EXPECT_TRUE(remove(folder_ / "tree"));
+
+  EXPECT_THAT(left(), ElementsAre());
+}
+
+TEST_F(RemoveTree, WhatAnotherRemovesMeanwhileIsNotTheReasonOfAFailure) {
+  plant();
+  syscalls_.setHook([&](const std::string& call) {
+    if (call == "unlinkat tree/sub/deep/file") fs::remove(folder_ / "tree/sub/deep/file");
+    return call == "rmdirat tree/sub" ? EPERM : 0;
+  });
+
+  EXPECT_FALSE(remove(folder_ / "tree"));
+
+  EXPECT_EQ(errno, EPERM);
+}
+
+TEST_F(RemoveTree, ATreeThatAnotherRemovesWholeMeanwhileIsNotThere) {
+  plant();
+  syscalls_.setHook([&](const std::string& call) {
+    if (call == "openat tree/sub") fs::remove_all(folder_ / "tree");
+    return 0;
+  });
+
+  EXPECT_FALSE(remove(folder_ / "tree"));
 
   EXPECT_THAT(left(), ElementsAre());
 }
