@@ -20,6 +20,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr int kThreads = 64;
+constexpr std::size_t kLargestBody = std::size_t{kUnderThreadSanitizer ? 256 : 4096} << 10U;
 // A body that tells whether it is whole: a letter, and then as many of it as the number before it says.
 std::string sealed(std::size_t count, char letter) { return std::to_string(count) + std::string(count + 1, letter); }
 bool isWhole(const std::string& body) {
@@ -207,7 +208,7 @@ TEST_F(CacheUnderThreads, TheLogSurvivesEveryClearingAndNoImageIsEverHalf) {
 }
 
 TEST_F(CacheUnderThreads, ReadersOfAReplacedImageFindItWhole) {
-  platform::install(std::make_shared<InlinePlatform>(platform::current(), std::size_t{4} << 20U));
+  platform::install(std::make_shared<InlinePlatform>(platform::current(), kLargestBody));
   constexpr const char* kUrl = "http://h/a.png";
   TavloUtility::cachedBannerImage(kUrl);
   const int kReads = scaled(40000);
