@@ -22,7 +22,10 @@ template <class ItemsOf>
 std::string lists(std::uint64_t count, ItemsOf itemsOf, const char* className = "NSArray") {
   ValueList objects;
   for (std::uint64_t number = 1; number <= count; ++number) {
-    objects.push_back(Value::map({{"NS.objects", Value::list(itemsOf(number))}, {"$class", uid(count + 1)}}));
+    ValueMap fields;
+    fields.append("NS.objects", Value::list(itemsOf(number)));
+    fields.append("$class", uid(count + 1));
+    objects.push_back(Value::map(std::move(fields)));
   }
   objects.push_back(classObject(className));
   objects.emplace_back("end");
