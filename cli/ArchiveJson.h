@@ -3,7 +3,7 @@
 //   a text                      "text"; one that is no UTF-8 {"$text": "<its bytes>"}
 //   a truth value               true, false
 //   an integer, up to 128 bits  its digits
-//   a real                      the shortest number that reads back the same, always with "." or an exponent;
+//   a real                      as few digits as read back the same, always with "." or an exponent;
 //                               {"$real": "inf"}, "-inf", "nan", or "nan:<its 64 bits>"
 //   a date                      {"$date": seconds since 1970}; with "since2001": seconds, where the sum of those
 //                               and 978307200 would not give them back. Both may be texts, as with a real

@@ -15,7 +15,7 @@ inline constexpr double kFrom1970To2001 = 978307200;  // seconds
   return std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b);
 }
 
-// The shortest JSON number that reads back the same, with "." or an exponent. The value must be finite.
+// The JSON number of the fewest digits that reads back the same, with "." or an exponent. The value must be finite.
 [[nodiscard]] std::string realDigits(double value);
 
 // "inf", "-inf", "nan" or "nan:<64 bits>", of one that is not.

@@ -53,11 +53,13 @@ void answer(const std::vector<Download>& downloads, const Run& run) {
   run.output.answerLine(toArchiveJson(Value::list(std::move(list)), ArchiveLayout::oneLine));
 }
 
-// Of those that are not stored: all URLs.
-std::string urlsOf(const std::vector<Download>& downloads) {
+// All URLs that are not stored, each with the last line that was logged.
+std::string failuresOf(const std::vector<Download>& downloads) {
   std::string text;
   for (const Download& download : downloads) {
-    if (!download.isStored) text += (text.empty() ? "" : ", ") + cli::quoted(download.url);
+    if (download.isStored) continue;
+    text += (text.empty() ? "" : ", ") + cli::quoted(download.url);
+    if (!download.lines.empty()) text += " (" + download.lines.back() + ")";
   }
   return text;
 }
@@ -82,11 +84,11 @@ void execute(const FetchBanners& command, const Run& run) {
   answer(downloads, run);
   const std::string all = std::to_string(counts.all);
   if (!allAreDone) {
-    throw Failure("interrupted; not stored of " + all + " downloads: " + urlsOf(downloads) +
+    throw Failure("interrupted; not stored of " + all + " downloads: " + failuresOf(downloads) +
                   "; run it again for those");
   }
   if (counts.failed > 0) {
-    throw Failure(std::to_string(counts.failed) + " of " + all + " downloads failed: " + urlsOf(downloads) +
+    throw Failure(std::to_string(counts.failed) + " of " + all + " downloads failed: " + failuresOf(downloads) +
                   "; check the URLs, the network, and the rights to " + cacheFolder(place).string());
   }
 }

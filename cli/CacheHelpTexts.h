@@ -57,7 +57,8 @@ inline constexpr const char* kCacheExplainFooter =
 
 inline constexpr const char* kCacheLs = "List the cache directory: name, kind by content, size and age.";
 inline constexpr const char* kCacheLsFooter =
-    "Looks only: nothing is made or logged.\n"
+    "Looks only: nothing is made or logged. --json has the time of the last change, in seconds\n"
+    "since 1970, in place of the age.\n"
     "\n"
     "Example:\n"
     "  tavlo cache ls --json";
@@ -83,7 +84,7 @@ inline constexpr const char* kCacheSortFooter =
     "The JSON has the shape that list prints. Nothing in the cache is read or changed.\n"
     "\n"
     "Example:\n"
-    "  tavlo cache list video | tavlo cache sort -";
+    "  tavlo cache list video --json | tavlo cache sort -";
 
 inline constexpr const char* kCacheDelete = "Remove the item at exactly this path.";
 inline constexpr const char* kCacheDeleteFooter =

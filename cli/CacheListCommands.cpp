@@ -56,13 +56,16 @@ void execute(const PrintCachedList& command, const Run& run) try {
                 ", since parts of it are shared; write a new list with put-list, or remove this one");
 }
 
-void execute(const PutCachedList& command, const Run& run) try {
+void execute(const PutCachedList& command, const Run& run) {
   const auto list = readJsonList(command.file);
   const CacheSession session(run);
-  host::writeCachedList(command.list, list.value_or(Uid{}));
+  try {
+    host::writeCachedList(command.list, list.value_or(Uid{}));
+  } catch (const host::CachedListError& error) {
+    session.noteLastLine();
+    throw Failure(error.what());
+  }
   answerText((session.folder() / host::fileName(command.list)).string(), run);
-} catch (const host::CachedListError& error) {
-  throw Failure(error.what());
 }
 
 void execute(const SortList& command, const Run& run) {

@@ -27,10 +27,19 @@ void CacheSession::answer(const Text& text) const {
 }
 
 void CacheSession::noteWhyAbsent() const {
+  const std::string line = lastLine();
+  run_.output.note(line.empty() ? "there is no place for the cache: " + documentsFolder(place_).string() +
+                                      " is missing and cannot be made"
+                                : line);
+}
+
+void CacheSession::noteLastLine() const {
+  if (const std::string line = lastLine(); !line.empty()) run_.output.note(line);
+}
+
+std::string CacheSession::lastLine() const {
   const std::lock_guard lock(lastLine_->mutex);
-  run_.output.note(lastLine_->text.empty() ? "there is no place for the cache: " + documentsFolder(place_).string() +
-                                                 " is missing and cannot be made"
-                                           : lastLine_->text);
+  return lastLine_->text;
 }
 
 }  // namespace tavlo::cli

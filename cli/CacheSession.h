@@ -45,8 +45,11 @@ class CacheSession {
   // Prints what an operation answered, and, when that is nothing, why: the last line that it logged.
   void answer(const Text& text) const;
   void noteWhyAbsent() const;
+  void noteLastLine() const;  // when there is any
 
  private:
+  [[nodiscard]] std::string lastLine() const;
+
   struct LastLine {
     std::mutex mutex;
     std::string text;

@@ -169,6 +169,8 @@ Downloads::Downloads(std::shared_ptr<platform::Platform> real, const std::string
 Downloads::~Downloads() = default;
 
 void Downloads::start(const std::vector<std::string>& urls) {
+  // Of two downloads that both find the directory missing, one would fail.
+  static_cast<void>(TavloUtility::getDocumentDirectoryPath(""));
   for (const std::string& url : urls) {
     const CurrentDownload starting(board_->add(url));
     TavloUtility::cachedBannerImage(url);

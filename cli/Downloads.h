@@ -41,6 +41,7 @@ class Downloads {
   Downloads& operator=(const Downloads&) = delete;
   ~Downloads();
 
+  // Makes the cache directory first, when it is missing.
   void start(const std::vector<std::string>& urls);
 
   // Returns when all are done, or when `wakeUp`, a descriptor, has something to read: true when all are done.

@@ -84,7 +84,8 @@ TEST_F(CacheFetchTest, JsonHasTheLogOfEachDownload) {
               R"j(","getAndSaveBannerImage() - write successfully"]},{"url":")j" + missing_ +
               R"j(","stored":false,"bytes":null,"path":null,"log":["getAndSaveBannerImage(): Passed data is empty"]}])j"
               "\n",
-          "tavlo: 1 of 2 downloads failed: \"" + missing_ + "\"; check the URLs, the network, and the rights to " +
+          "tavlo: 1 of 2 downloads failed: \"" + missing_ +
+              "\" (getAndSaveBannerImage(): Passed data is empty); check the URLs, the network, and the rights to " +
               directory() + "\n"}));
 }
 
@@ -103,13 +104,17 @@ TEST_F(CacheFetchTest, FailuresAreNamedAndTheOthersStored) {
   EXPECT_EQ(fetched.err,
             "tavlo: note: 3/3 done, 6 bytes, 2 failed\n"
             "tavlo: 2 of 3 downloads failed: \"" +
-                missing_ + "\", \"no URL\"; check the URLs, the network, and the rights to " + directory() + "\n");
+                missing_ +
+                "\" (getAndSaveBannerImage(): Passed data is empty), \"no URL\" "
+                "(getAndSaveBannerImage(): Passed data is empty); check the URLs, the network, and the rights to " +
+                directory() + "\n");
 }
 
-TEST_F(CacheFetchTest, WhatIsLoggedIsTheLogOfAnApp) {
+TEST_F(CacheFetchTest, DirectoryIsMadeBeforeTheDownloadsThatWouldMakeItAtOnce) {
   ASSERT_EQ(cache({"fetch", image_}).exitCode, 0);
 
-  EXPECT_THAT(log(), ElementsAre("TavloCache directory created!", "Cached directory path : " + path(digestOf(image_)),
+  EXPECT_THAT(log(), ElementsAre("TavloCache directory created!", "Cached directory path : " + directory(),
+                                 "Cached directory path : " + path(digestOf(image_)),
                                  "getAndSaveBannerImage() - write successfully"));
 }
 
@@ -121,6 +126,7 @@ TEST_F(CacheFetchTest, DirectoryThatCannotBeMadeIsAFailure) {
 
   EXPECT_EQ(fetched.exitCode, 1);
   EXPECT_THAT(fetched.out, testing::HasSubstr(R"("stored":false,"bytes":6,"path":null,)"));
+  EXPECT_THAT(fetched.err, testing::HasSubstr(" (Couldn't create directory TavloCache error: "));
 }
 
 TEST_F(CacheFetchTest, ProgressOfATerminalEndsInItsLastState) {

@@ -152,6 +152,21 @@ TEST_F(CacheListCommandTest, NestingIsAsDeepAsInAnArchiveAndNoDeeper) {
   }
 }
 
+TEST_F(CacheListCommandTest, DirectoryThatCannotBeMadeIsAFailureThatSaysWhy) {
+  std::filesystem::create_directories(container());
+  tavlo::test::writeFile(container() + "/Documents", "in the way");
+
+  const Result refused = cache({"put-list", "video", "-"}, {.input = "[]"});
+
+  EXPECT_EQ(refused.exitCode, 1);
+  EXPECT_EQ(refused.out, "");
+  EXPECT_EQ(refused.err,
+            "tavlo: note: Couldn't create directory TavloCache error: Not a directory: " + directory() +
+                "\ntavlo: VideoListAPI was not written: there is no cache directory for it, and none could "
+                "be made; the log says why; check the rights to the Documents directory and the free "
+                "space\n");
+}
+
 TEST_F(CacheListCommandTest, FileThatIsNotThereIsAFailure) {
   const std::string message =
       "tavlo: cannot read /nowhere.json: No such file or directory; give a file that is there and can be read\n";
