@@ -128,30 +128,33 @@ int watchTls(CURL*, curl_infotype type, char* bytes, std::size_t size, void* res
   return 0;
 }
 
-class CurlTransfer final : public HttpTransfer {
+// One fetch. Its handle is its own, since a handle counts the dead connections that it has met in all its life and
+// gives up at the sixth; the connections are the CurlTransfer's.
+class Request {
  public:
-  CurlTransfer(const DownloadLimits& limits, const std::optional<std::filesystem::path>& certificateAuthorities)
-      : limits_(limits), multi_(curl_multi_init()), easy_(curl_easy_init()) {
-    usable_ = multi_ && easy_ && setProtocol() && setLimits() && setCallbacks() &&
+  Request(const DownloadLimits& limits, const std::optional<std::filesystem::path>& certificateAuthorities,
+          const std::string& url)
+      : response_(limits), easy_(curl_easy_init()) {
+    usable_ = easy_ && set(CURLOPT_URL, url.c_str()) && setProtocol() && setLimits(limits) && setCallbacks() &&
               (!certificateAuthorities || set(CURLOPT_CAINFO, certificateAuthorities->c_str()));
   }
 
-  std::optional<std::string> fetch(const std::string& url) noexcept override {
-    if (!usable_) return std::nullopt;
-    Response response(limits_);
-    const bool begun = set(CURLOPT_URL, url.c_str()) && set(CURLOPT_WRITEDATA, &response) &&
-                       set(CURLOPT_HEADERDATA, &response) && set(CURLOPT_OPENSOCKETDATA, &response) &&
-                       set(CURLOPT_PREREQDATA, &response) && set(CURLOPT_DEBUGDATA, &response) &&
-                       curl_multi_add_handle(multi_.get(), easy_.get()) == CURLM_OK;
-    const bool succeeded = begun && run(response) && response.isComplete(isSecure());
-    if (begun) curl_multi_remove_handle(multi_.get(), easy_.get());
-    if (!succeeded) return std::nullopt;
-    return response.takeBody();
+  [[nodiscard]] bool isUsable() const { return usable_; }
+  [[nodiscard]] CURL* handle() const { return easy_.get(); }
+  [[nodiscard]] Response& response() { return response_; }
+
+  bool hasRoomForMore() {
+    curl_off_t received = 0;
+    curl_easy_getinfo(easy_.get(), CURLINFO_SIZE_DOWNLOAD_T, &received);
+    return response_.countBody(static_cast<std::uint64_t>(received));
   }
 
-  void cancel() noexcept override {
-    cancelled_ = true;
-    if (multi_) curl_multi_wakeup(multi_.get());
+  [[nodiscard]] bool isComplete() const {
+    const char* scheme = nullptr;
+    curl_easy_getinfo(easy_.get(), CURLINFO_SCHEME, &scheme);
+    const bool isPlain =
+        scheme != nullptr && (std::string_view(scheme) == "HTTP" || std::string_view(scheme) == "http");
+    return response_.isComplete(!isPlain);
   }
 
  private:
@@ -170,31 +173,59 @@ class CurlTransfer final : public HttpTransfer {
            set(CURLOPT_NOSIGNAL, 1L) && set(CURLOPT_QUICK_EXIT, 1L);
   }
 
-  bool setLimits() {
-    return set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(limits_.connect.count())) &&
-           set(CURLOPT_TIMEOUT_MS, static_cast<long>(limits_.total.count())) &&
-           set(CURLOPT_MAXREDIRS, long{limits_.redirects}) &&
-           set(CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(limits_.body));
+  bool setLimits(const DownloadLimits& limits) {
+    return set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(limits.connect.count())) &&
+           set(CURLOPT_TIMEOUT_MS, static_cast<long>(limits.total.count())) &&
+           set(CURLOPT_MAXREDIRS, long{limits.redirects}) &&
+           set(CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(limits.body));
   }
 
   bool setCallbacks() {
-    return set(CURLOPT_WRITEFUNCTION, &receive<&Response::addBody>) &&
-           set(CURLOPT_HEADERFUNCTION, &receive<&Response::addHeadLine>) &&
-           set(CURLOPT_OPENSOCKETFUNCTION, &openSocket) && set(CURLOPT_PREREQFUNCTION, &beforeRequest) &&
-           set(CURLOPT_DEBUGFUNCTION, &watchTls) && set(CURLOPT_VERBOSE, 1L);
+    return set(CURLOPT_WRITEFUNCTION, &receive<&Response::addBody>) && set(CURLOPT_WRITEDATA, &response_) &&
+           set(CURLOPT_HEADERFUNCTION, &receive<&Response::addHeadLine>) && set(CURLOPT_HEADERDATA, &response_) &&
+           set(CURLOPT_OPENSOCKETFUNCTION, &openSocket) && set(CURLOPT_OPENSOCKETDATA, &response_) &&
+           set(CURLOPT_PREREQFUNCTION, &beforeRequest) && set(CURLOPT_PREREQDATA, &response_) &&
+           set(CURLOPT_DEBUGFUNCTION, &watchTls) && set(CURLOPT_DEBUGDATA, &response_) && set(CURLOPT_VERBOSE, 1L);
   }
 
-  bool run(Response& response) {
+  Response response_;
+  std::unique_ptr<CURL, EasyCleanup> easy_;
+  bool usable_ = false;
+};
+
+class CurlTransfer final : public HttpTransfer {
+ public:
+  CurlTransfer(const DownloadLimits& limits, std::optional<std::filesystem::path> certificateAuthorities)
+      : limits_(limits), certificateAuthorities_(std::move(certificateAuthorities)), multi_(curl_multi_init()) {
+    if (multi_) curl_multi_setopt(multi_.get(), CURLMOPT_MAXCONNECTS, kKeptConnections);
+  }
+
+  std::optional<std::string> fetch(const std::string& url) noexcept override {
+    Request request(limits_, certificateAuthorities_, url);
+    if (!multi_ || !request.isUsable()) return std::nullopt;
+    if (curl_multi_add_handle(multi_.get(), request.handle()) != CURLM_OK) return std::nullopt;
+    const bool succeeded = run(request) && request.isComplete();
+    curl_multi_remove_handle(multi_.get(), request.handle());
+    if (!succeeded) return std::nullopt;
+    return request.response().takeBody();
+  }
+
+  void cancel() noexcept override {
+    cancelled_ = true;
+    if (multi_) curl_multi_wakeup(multi_.get());
+  }
+
+ private:
+  static constexpr long kKeptConnections = 4;
+
+  bool run(Request& request) {
     while (!cancelled_) {
       int running = 0;
       if (curl_multi_perform(multi_.get(), &running) != CURLM_OK) return false;
       if (running == 0) return hasSucceeded();
 
-      curl_off_t received = 0;
-      curl_easy_getinfo(easy_.get(), CURLINFO_SIZE_DOWNLOAD_T, &received);
-      if (!response.countBody(static_cast<std::uint64_t>(received))) return false;
-      const auto wait = std::chrono::ceil<std::chrono::milliseconds>(response.timeToStall());
-      if (wait.count() <= 0) return false;
+      const auto wait = std::chrono::ceil<std::chrono::milliseconds>(request.response().timeToStall());
+      if (!request.hasRoomForMore() || wait.count() <= 0) return false;
       if (curl_multi_poll(multi_.get(), nullptr, 0, static_cast<int>(wait.count()), nullptr) != CURLM_OK) return false;
     }
     return false;
@@ -206,16 +237,9 @@ class CurlTransfer final : public HttpTransfer {
     return message != nullptr && message->msg == CURLMSG_DONE && message->data.result == CURLE_OK;
   }
 
-  bool isSecure() {
-    const char* scheme = nullptr;
-    curl_easy_getinfo(easy_.get(), CURLINFO_SCHEME, &scheme);
-    return scheme == nullptr || (std::string_view(scheme) != "HTTP" && std::string_view(scheme) != "http");
-  }
-
   const DownloadLimits limits_;
-  std::unique_ptr<CURLM, MultiCleanup> multi_;
-  std::unique_ptr<CURL, EasyCleanup> easy_;
-  bool usable_ = false;
+  const std::optional<std::filesystem::path> certificateAuthorities_;
+  const std::unique_ptr<CURLM, MultiCleanup> multi_;
   std::atomic<bool> cancelled_ = false;
 };
 

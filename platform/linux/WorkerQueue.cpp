@@ -248,7 +248,9 @@ WorkerQueue::WorkerQueue(int workers, std::function<void()> cancel)
 WorkerQueue::~WorkerQueue() { stop(); }
 
 void WorkerQueue::dispatchAsync(std::function<void()> task) {
-  if (task) crew_->add(std::move(task));
+  if (!task) return;
+  const std::shared_ptr<Crew> crew = crew_;  // the task may be what ends the queue, before add() has returned
+  crew->add(std::move(task));
 }
 
 void WorkerQueue::stop() {

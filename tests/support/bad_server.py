@@ -9,6 +9,7 @@ gets the certificates, of which authority.pem is the one to trust, and the bytes
 """
 
 import gzip
+import itertools
 import os
 import socket
 import ssl
@@ -47,6 +48,7 @@ MOVED_CHUNKED = head("Location: /length", "Transfer-Encoding: chunked", status="
 ANSWERS = {
     "length": sized(BODY),
     "chunked": CHUNKED + b"5\r\nexact\r\n1;with=extension\r\n\0\r\n08\r\nbytes\r\n\xff\r\n0\r\nTrailer: x\r\n\r\n",
+    "once": sized(BODY),  # and no answer to whatever comes next on the same connection
     "close": head() + BODY,
     "http10": b"HTTP/1.0 200 OK\r\n\r\n" + BODY,
     "empty": sized(b""),
@@ -88,6 +90,7 @@ ANSWERS = {
     "emptytarget": sized(BODY, "Location:", status="302 Found"),
     "hugetarget": to("/" + "x" * MIB),
     "tofile": to("file:///etc/hostname"),
+    "tonever": to("/never"),
     "toftp": to("ftp://127.0.0.1/a"),
 }
 
@@ -197,19 +200,21 @@ class Server:
 
     def http(self, connection):
         """Answers requests until one behaves in a way that needs the connection closed."""
-        while True:
+        for served in itertools.count():
             request = b""
             while b"\r\n\r\n" not in request:
                 block = connection.recv(4096)
                 if not block:
                     return
                 request += block
-            name, _, argument = request.split(b" ")[1].decode("ascii").lstrip("/").partition("/")
+            name, _, argument = request.split(b" ")[1].decode("ascii").partition("?")[0][1:].partition("/")
+            if name == "once" and served > 0:
+                return
             if not self.answer(connection, name, argument):
                 return
 
     def answer(self, connection, name, argument):
-        """True when the connection may be used again."""
+        """True when the connection may be used again. A query only makes URLs differ."""
         if name == "status":
             connection.sendall(sized(BODY, status=f"{argument} Status"))
         elif name == "chain":
@@ -226,7 +231,7 @@ class Server:
             return False
         else:
             connection.sendall(ANSWERS[name])
-            return name in ("length", "empty", "compressed", "relative")
+            return name in ("length", "empty", "compressed", "relative", "tonever", "once")
         return True
 
     def tls(self, connection, certificate, cut):

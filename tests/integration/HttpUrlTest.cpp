@@ -1,0 +1,129 @@
+// What the fetch of a URL does besides giving its data.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <future>
+#include <latch>
+#include <thread>
+#include <vector>
+
+#include "platform/linux/LinuxUrlData.h"
+#include "tests/support/BadServer.h"
+
+namespace tavlo::test {
+namespace {
+
+using linux_platform::LinuxUrlData;
+using testing::Each;
+using testing::Optional;
+
+class HttpUrl : public testing::Test {
+ protected:
+  static constexpr std::chrono::hours kFar{24};
+
+  [[nodiscard]] std::optional<std::string> fetch(const std::string& text) {
+    return data_.dataWithContentsOfUrl(server_.url(text));
+  }
+
+  BadServer server_;
+  LinuxUrlData data_{{.connect = kFar, .stall = kFar, .total = kFar, .workers = 2}, server_.certificateAuthority()};
+};
+
+TEST_F(HttpUrl, ReusesItsConnection) {
+  for (int i = 0; i < 10; ++i) EXPECT_THAT(fetch("/length"), Optional(BadServer::kBody));
+
+  EXPECT_THAT(fetch("/connections"), Optional(std::string("1")));
+}
+
+TEST_F(HttpUrl, ReusesAConnectionOverTLS) {
+  for (int i = 0; i < 10; ++i) EXPECT_THAT(fetch("https://localhost:{good}/length"), Optional(BadServer::kBody));
+
+  EXPECT_THAT(fetch("https://localhost:{good}/connections"), Optional(std::string("1")));
+}
+
+TEST_F(HttpUrl, ConnectsAnewWhenTheServerHasClosed) {
+  for (int i = 0; i < 3; ++i) EXPECT_THAT(fetch("/chunked"), Optional(BadServer::kBody));
+
+  EXPECT_THAT(fetch("/connections"), Optional(std::string("4")));
+}
+
+// A handle of the HTTP library gives up at the sixth connection that it finds dead in its life.
+TEST_F(HttpUrl, OutlivesAnyNumberOfConnectionsThatDieWhileTheyAreKept) {
+  for (int i = 0; i < 20; ++i) EXPECT_THAT(fetch("/once"), Optional(BadServer::kBody));
+
+  EXPECT_THAT(fetch("/connections"), Optional(std::string("20")));
+}
+
+TEST_F(HttpUrl, IsNotHarmedByTheFailuresBefore) {
+  for (const char* const bad : {"/reset", "/short", "/fields", "/self", "/status/500", "/over", "/hugechunk"}) {
+    static_cast<void>(fetch(bad));
+    EXPECT_THAT(fetch("/length"), Optional(BadServer::kBody)) << bad;
+  }
+}
+
+TEST_F(HttpUrl, LosesTabsAndLineBreaksInTheRequest) {
+  EXPECT_THAT(fetch("http://127.0.0.1:{http}/len\n\tgth\r\n"), Optional(BadServer::kBody));
+}
+
+TEST_F(HttpUrl, WithoutTheAuthorityIsNotTrusted) {
+  LinuxUrlData strict({.workers = 1});
+  LinuxUrlData misled({.workers = 1}, "/nonexistent/authority.pem");
+
+  EXPECT_EQ(strict.dataWithContentsOfUrl(server_.url("https://localhost:{good}/length")), std::nullopt);
+  EXPECT_EQ(misled.dataWithContentsOfUrl(server_.url("https://localhost:{good}/length")), std::nullopt);
+}
+
+TEST_F(HttpUrl, FollowsNoRedirectWhenNoneIsAllowed) {
+  LinuxUrlData data({.redirects = 0});
+
+  EXPECT_EQ(data.dataWithContentsOfUrl(server_.url("/relative")), std::nullopt);
+  EXPECT_THAT(data.dataWithContentsOfUrl(server_.url("/notarget")), Optional(BadServer::kBody));
+}
+
+TEST_F(HttpUrl, HasALimitOfItsHead) {
+  LinuxUrlData fits({.responseHead = 64});
+  LinuxUrlData tooLong({.responseHead = 38});  // "HTTP/1.1 200 OK", "Content-Length: 14" and three line ends take 39
+
+  EXPECT_THAT(fits.dataWithContentsOfUrl(server_.url("/length")), Optional(BadServer::kBody));
+  EXPECT_EQ(tooLong.dataWithContentsOfUrl(server_.url("/length")), std::nullopt);
+}
+
+TEST_F(HttpUrl, HasAStallLimitOnEveryConnection) {
+  LinuxUrlData data({.connect = kFar, .stall = std::chrono::milliseconds(300), .total = kFar});
+
+  EXPECT_EQ(data.dataWithContentsOfUrl(server_.url("/tonever")), std::nullopt);
+}
+
+TEST_F(HttpUrl, ThreadsFetchAtOnceAndAreAllCancelledAtOnce) {
+  std::vector<std::future<std::optional<std::string>>> fetches;
+  for (int i = 0; i < 8; ++i) fetches.push_back(std::async(std::launch::async, [&] { return fetch("/gate"); }));
+  server_.waitUntilHeld(8);
+
+  data_.cancel();
+
+  std::vector<std::optional<std::string>> results;
+  for (auto& each : fetches) results.push_back(each.get());
+  EXPECT_THAT(results, Each(std::nullopt));
+  EXPECT_EQ(fetch("/length"), std::nullopt);
+}
+
+TEST_F(HttpUrl, ThreadsMayFetchAndCancelAtAnyTime) {
+  for (int round = 0; round < 20; ++round) {
+    LinuxUrlData data({.connect = kFar, .stall = kFar, .total = kFar, .workers = 2});
+    std::latch start(4);
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 3; ++i) {
+      threads.emplace_back([&] {
+        start.arrive_and_wait();
+        static_cast<void>(data.dataWithContentsOfUrl(server_.url("/length")));
+        static_cast<void>(data.dataWithContentsOfUrl(server_.url("/never")));
+      });
+    }
+    start.arrive_and_wait();
+    data.cancel();
+    for (std::thread& thread : threads) thread.join();
+  }
+}
+
+}  // namespace
+}  // namespace tavlo::test
