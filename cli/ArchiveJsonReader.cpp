@@ -149,7 +149,7 @@ class Reader {
     ValueObject object;
     object.className = within(std::string_view("$class"), [&] { return textOf(*memberOf(node, "$class")); });
     if (const JsonNode* const fields = memberOf(node, "$fields")) {
-      if (node.members.size() != 2) fail(node, "expected nothing beside \"$class\" and \"$fields\"");
+      if (node.members.size() != 2) fail(node, R"(expected nothing beside "$class" and "$fields")");
       object.fields = within(std::string_view("$fields"), [&] { return pairsOf(*fields); });
     } else {
       object.fields = entriesOf(node, "$class");
@@ -177,7 +177,7 @@ class Reader {
     if (node.kind == Kind::text) {
       if (const auto value = realOfName(*node.scalar.ifText())) return *value;
     }
-    fail(node, "expected " + expected + "\"inf\", \"-inf\", \"nan\" or \"nan:\" and the 64 bits of one");
+    fail(node, "expected " + expected + R"("inf", "-inf", "nan" or "nan:" and the 64 bits of one)");
   }
 
   [[nodiscard]] double secondsOf(const JsonNode& node) const {

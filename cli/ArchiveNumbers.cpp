@@ -27,10 +27,10 @@ std::string realDigits(double value) {
   const double size = std::abs(value);
   const bool isFixed = size == 0 || (size >= 1e-4 && size < 1e16);
   std::array<char, 32> buffer{};
-  const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
-                                 isFixed ? std::chars_format::fixed : std::chars_format::scientific)
-                       .ptr;
-  std::string digits(buffer.data(), end);
+  const char* const end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
+                                        isFixed ? std::chars_format::fixed : std::chars_format::scientific)
+                              .ptr;
+  std::string digits(buffer.data(), static_cast<std::size_t>(end - buffer.data()));
   if (digits.find_first_of(".e") == std::string::npos) digits += ".0";
   return digits;
 }

@@ -1,6 +1,7 @@
 // The commands of `tavlo cache`, one row each.
 #pragma once
 
+#include <array>
 #include <span>
 #include <string>
 #include <vector>
@@ -11,18 +12,18 @@ namespace tavlo::cli {
 
 // All arguments of these commands go by their places, and are required.
 struct ArgumentRow {
-  const char* name;
-  const char* description;
+  const char* name = nullptr;  // nullptr: there is none
+  const char* description = nullptr;
   bool mayRepeat = false;  // the last one only
 };
 
 struct CacheCommandRow {
-  const char* name;
-  const char* description;
-  const char* footer;
-  std::vector<ArgumentRow> arguments;
+  const char* name = nullptr;
+  const char* description = nullptr;
+  const char* footer = nullptr;
+  std::array<ArgumentRow, 2> arguments;
   // Of the words in their order. Throws UsageError.
-  Command (*make)(const std::vector<std::string>& words);
+  Command (*make)(const std::vector<std::string>& words) = nullptr;
 };
 
 [[nodiscard]] std::span<const CacheCommandRow> cacheCommands();

@@ -53,7 +53,7 @@ void execute(const PrintCachedList& command, const Run& run) try {
   throw Failure(std::string(error.what()) + "; write a new list with put-list, or remove this one");
 } catch (const ArchiveTooLarge& error) {
   throw Failure(std::string("the list cannot be printed: ") + error.what() +
-                ", since parts of it are shared; write a new list with put-list, or remove this one");
+                " (what is shared counts each time); write a new list with put-list, or remove this one");
 }
 
 void execute(const PutCachedList& command, const Run& run) {

@@ -237,6 +237,7 @@ class Parser {
       CLI::App& command = addCommand(cache, row.name, row.description, row.footer);
       std::vector<const CLI::Option*> arguments;
       for (const ArgumentRow& argument : row.arguments) {
+        if (!argument.name) continue;
         CLI::Option& option = addArgument(command, argument.name, argument.description);
         if (argument.mayRepeat) option.expected(1, CLI::detail::expected_max_vector_size)->allow_extra_args();
         arguments.push_back(&option);

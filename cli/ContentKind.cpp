@@ -7,7 +7,7 @@
 namespace tavlo::cli {
 namespace {
 
-using std::string_view_literals::operator""sv;
+using namespace std::string_view_literals;
 
 struct Mark {
   std::size_t at = 0;

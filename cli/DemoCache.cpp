@@ -16,7 +16,7 @@
 namespace tavlo::cli {
 namespace {
 
-using std::string_view_literals::operator""sv;
+using namespace std::string_view_literals;
 
 struct Image {
   const char* path;
@@ -49,6 +49,7 @@ Text storedBytes(const Text& path) { return platform::current()->fileManager().d
 void showDownloads(DemoReport& report, Downloads& downloads) {
   const LoopbackServer server(pagesOf(kImages));
   std::vector<std::string> urls;
+  urls.reserve(kImages.size() + 2);
   for (const Image& image : kImages) urls.push_back(server.url(image.path));
   urls.push_back(server.url("/no-such-image"));
   urls.push_back(urls.front() + "\n");

@@ -95,7 +95,7 @@ class Downloads::Board {
 
 class Downloads::WatchingPlatform final : public platform::Platform {
  public:
-  WatchingPlatform(std::shared_ptr<platform::Platform> real, std::shared_ptr<Board> board)
+  WatchingPlatform(std::shared_ptr<platform::Platform> real, const std::shared_ptr<Board>& board)
       : real_(std::move(real)), queue_(*real_, board), urls_(*real_, board) {}
 
   platform::UserDefaults& standardUserDefaults() override { return real_->standardUserDefaults(); }

@@ -1,10 +1,10 @@
 #include "cli/Interrupt.h"
 
-#include <signal.h>
 #include <sys/signalfd.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <system_error>
 
 #include "cli/Errors.h"

@@ -89,8 +89,8 @@ TEST_F(CacheListCommandTest, WhatSharingMakesTooLargeIsOneLineAndNoAnswer) {
   for (const char* const look : {"--json", "--quiet"}) {
     EXPECT_EQ(cache({"list", "video", look}),
               (Result{1, "",
-                      "tavlo: the list cannot be printed: its contents take more than 67108864 bytes as text, since "
-                      "parts of it are shared; write a new list with put-list, or remove this one\n"}));
+                      "tavlo: the list cannot be printed: its contents take more than 67108864 bytes as text (what "
+                      "is shared counts each time); write a new list with put-list, or remove this one\n"}));
   }
 }
 

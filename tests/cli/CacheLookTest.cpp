@@ -120,6 +120,16 @@ TEST_F(CacheLookTest, ExplainTellsTheTwoNamesOfAUrlWithANewline) {
   EXPECT_FALSE(fs::exists(container()));
 }
 
+TEST_F(CacheLookTest, ExplainFindsABannerByTheNameThatIsLookedUp) {
+  put("46a031da1eba2acf8ec285d177c677da", "image");
+
+  const std::string shown = cache({"explain", "http://h/a.mp4\n"}).out;
+
+  EXPECT_THAT(shown,
+              testing::HasSubstr("banner is looked up as    46a031da1eba2acf8ec285d177c677da         is there\n"));
+  EXPECT_THAT(shown, testing::HasSubstr("\nThe banner look-up finds its file.\n"));
+}
+
 TEST_F(CacheLookTest, ExplainTellsWhyNamesEndAsTheyDo) {
   EXPECT_THAT(cache({"explain", "http://h/a"}).out,
               testing::HasSubstr("\nThe path of the URL has no extension, so the video's name ends in a dot.\n"));
