@@ -78,7 +78,10 @@ class Emitter {
     bool isEmpty = true;
   };
 
-  void newLine() { put("\n" + std::string(2 * indent_, ' ')); }
+  void newLine() {
+    put("\n");
+    put(std::string(2 * indent_, ' '));
+  }
 
   const bool isIndented_;
   const std::size_t longest_;

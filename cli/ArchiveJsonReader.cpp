@@ -49,9 +49,9 @@ class Reader {
     std::string path;
     for (const Step& step : path_) {
       if (const auto* const index = std::get_if<std::size_t>(&step)) {
-        path += "[" + std::to_string(*index) + "]";
+        path.append("[").append(std::to_string(*index)).append("]");
       } else {
-        path += (path.empty() ? "" : ".") + std::string(std::get<std::string_view>(step));
+        path.append(path.empty() ? "" : ".").append(std::get<std::string_view>(step));
       }
     }
     throw JsonError(line, path.empty() ? what : path + ": " + what);

@@ -52,7 +52,7 @@ class NoticingPlatform final : public platform::Platform,
   }
 
  private:
-  const std::string folder_ = "/" + std::string(kCacheDirectoryName);
+  const std::string folder_ = std::string("/").append(kCacheDirectoryName);
   Text last_;
 };
 

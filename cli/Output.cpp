@@ -58,7 +58,8 @@ void Output::note(std::string_view text) const {
 
 void Output::progress(std::string_view text) {
   if (quiet_ || isatty(STDERR_FILENO) != 1) return;
-  std::string line = "\r" + harmless(text);
+  std::string line = "\r";
+  line += harmless(text);
   const std::size_t width = displayWidth(text);
   if (width < progressWidth_) line.append(progressWidth_ - width, ' ');
   progressWidth_ = width;
