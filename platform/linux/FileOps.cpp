@@ -22,7 +22,8 @@ FileDescriptor openFile(Syscalls& syscalls, const std::filesystem::path& path, i
 bool writeAll(Syscalls& syscalls, int fd, std::string_view bytes) {
   while (!bytes.empty()) {
     const ssize_t written = uninterrupted([&] { return syscalls.write(fd, bytes.data(), bytes.size()); });
-    if (written <= 0) return false;  // 0 is no progress: trying on could go on for ever
+    if (written == 0) errno = EIO;  // no progress: trying on could go on for ever
+    if (written <= 0) return false;
     bytes.remove_prefix(static_cast<std::size_t>(written));
   }
   return true;

@@ -16,15 +16,19 @@ namespace {
 
 constexpr int kFolder = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK;
 
+// Whether what could not be removed as a file may be a folder. In one that cannot be written to, the system tells
+// of that first.
+bool mayBeFolder(int error) { return error == EISDIR || error == EACCES || error == EPERM; }
+
 // What is done with a folder's entries, deepest folder first. Only the folder at work and the one that is about
-// to be are open; the way back is "..", and is checked.
+// to be are open, and what is being looked at in it; the way back is "..", and is checked.
 class Remover {
  public:
   explicit Remover(Syscalls& syscalls) : syscalls_(syscalls) {}
 
   // Empties the folder as far as it can be.
   void empty(FileDescriptor folder) {
-    if (!enter(std::move(folder), "")) return note();
+    if (!enter(std::move(folder), "")) return note(errno);
     while (!levels_.empty()) {
       Level& level = levels_.back();
       if (level.names.empty()) {
@@ -49,14 +53,13 @@ class Remover {
 
   void remove(const std::string& name) {
     if (unlink(name, 0)) return;
-    if (errno != EISDIR) return note();
+    const int error = errno;
+    if (!mayBeFolder(error)) return note(error);
     FileDescriptor child(syscalls_,
                          uninterrupted([&] { return syscalls_.openat(folder_.get(), name.c_str(), kFolder); }));
     if (child && enter(std::move(child), name)) return;
-    const int error = errno;
-    if (unlink(name, AT_REMOVEDIR)) return;  // it cannot be looked into, but it was empty
-    errno = error;
-    note();
+    const int reason = error == EISDIR ? errno : error;
+    if (!unlink(name, AT_REMOVEDIR)) note(reason);  // it cannot be looked into, but may be empty
   }
 
   // False: it cannot be looked into, or has no way back; errno tells.
@@ -82,15 +85,16 @@ class Remover {
     levels_.pop_back();
     if (levels_.empty()) return true;
     auto parent = above(folder_, levels_.back());
-    if (!parent) return note(), false;
+    if (!parent) return note(errno), false;
     folder_ = std::move(*parent);
-    if (!unlink(left.name, AT_REMOVEDIR)) note();
+    if (!unlink(left.name, AT_REMOVEDIR)) note(errno);
     return true;
   }
 
   [[nodiscard]] std::optional<FileDescriptor> above(const FileDescriptor& folder, const Level& expected) {
     FileDescriptor parent(syscalls_, uninterrupted([&] { return syscalls_.openat(folder.get(), "..", kFolder); }));
     struct stat status {};
+    if (!parent && errno == ENOENT) errno = ESTALE;  // it is the folder above that is gone
     if (!parent || uninterrupted([&] { return syscalls_.fstat(parent.get(), &status); }) != 0) return std::nullopt;
     if (status.st_dev == expected.device && status.st_ino == expected.inode) return parent;
     errno = ESTALE;
@@ -103,8 +107,8 @@ class Remover {
            errno == ENOENT;
   }
 
-  void note() {
-    if (error_ == 0) error_ = errno;
+  void note(int error) {
+    if (error_ == 0) error_ = error;
   }
 
   Syscalls& syscalls_;
@@ -113,32 +117,41 @@ class Remover {
   int error_ = 0;
 };
 
+// Of what may be a folder, from a failure to remove it as a file. `path` must have no slash at its end, behind which
+// a link would be followed.
+bool removeFolder(Syscalls& syscalls, const std::string& path, int error) {
+  Remover remover(syscalls);
+  if (FileDescriptor folder = openFile(syscalls, path, kFolder)) {
+    remover.empty(std::move(folder));
+  } else if (error == EISDIR) {
+    error = errno;
+  }
+  if (uninterrupted([&] { return syscalls.unlinkat(AT_FDCWD, path.c_str(), AT_REMOVEDIR); }) == 0) return true;
+  if (remover.error() != 0) {
+    errno = remover.error();
+  } else if (error != EISDIR) {
+    errno = error;
+  }
+  return false;
+}
+
 // "/", "." and ".." cannot be removed, so nothing in them may be.
-bool canBeRemoved(const std::filesystem::path& path) {
-  std::string_view text = path.native();
-  while (text.ends_with('/')) text.remove_suffix(1);
-  const std::string_view name = text.substr(text.rfind('/') + 1);
+bool canBeRemoved(std::string_view withoutSlash) {
+  const std::string_view name = withoutSlash.substr(withoutSlash.rfind('/') + 1);
   return !name.empty() && name != "." && name != "..";
 }
 
 }  // namespace
 
 bool removeTree(Syscalls& syscalls, const std::filesystem::path& path) {
-  if (!canBeRemoved(path)) {
+  std::string withoutSlash = path;
+  while (withoutSlash.ends_with('/')) withoutSlash.pop_back();
+  if (!canBeRemoved(withoutSlash)) {
     errno = EINVAL;
     return false;
   }
   if (removeFile(syscalls, path)) return true;
-  if (errno != EISDIR) return false;
-  Remover remover(syscalls);
-  FileDescriptor folder = openFile(syscalls, path, kFolder);
-  const int error = errno;
-  const bool opened = static_cast<bool>(folder);
-  if (opened) remover.empty(std::move(folder));
-  if (uninterrupted([&] { return syscalls.unlinkat(AT_FDCWD, path.c_str(), AT_REMOVEDIR); }) == 0) return true;
-  if (!opened) errno = error;
-  if (remover.error() != 0) errno = remover.error();
-  return false;
+  return mayBeFolder(errno) && removeFolder(syscalls, withoutSlash, errno);
 }
 
 }  // namespace tavlo::linux_platform

@@ -20,7 +20,7 @@ namespace {
 
 // Closes the folder; nullptr is one that could not be opened.
 std::optional<std::vector<std::string>> namesIn(DIR* opened) {
-  const std::unique_ptr<DIR, int (*)(DIR*)> folder(opened, &::closedir);
+  std::unique_ptr<DIR, int (*)(DIR*)> folder(opened, &::closedir);
   if (!folder) return std::nullopt;
   std::vector<std::string> names;
   for (;;) {
@@ -30,8 +30,10 @@ std::optional<std::vector<std::string>> namesIn(DIR* opened) {
     const std::string_view name = entry->d_name;
     if (name != "." && name != "..") names.emplace_back(name);
   }
-  if (errno != 0) return std::nullopt;
-  return names;
+  const int error = errno;
+  folder.reset();
+  errno = error;
+  return error == 0 ? std::optional(std::move(names)) : std::nullopt;
 }
 
 }  // namespace
@@ -61,7 +63,11 @@ std::optional<std::vector<std::string>> Syscalls::openFolderNames(int folder) {
   const int copy = ::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);  // with a position of its own
   if (copy < 0) return std::nullopt;
   DIR* const opened = ::fdopendir(copy);
-  if (!opened) ::close(copy);
+  if (!opened) {
+    const int error = errno;
+    ::close(copy);
+    errno = error;
+  }
   return namesIn(opened);
 }
 
