@@ -108,7 +108,7 @@ class TavloUtility {
   // Downloads a banner image on a background queue and returns at once. The queue's worker logs
   //   "getAndSaveBannerImage(): Passed data is empty"      no data: no URL, or a failed fetch
   //   "getAndSaveBannerImage() - write successfully"       after what the look-ups log
-  //   "getAndSaveBannerImage(): ERROR - write failed"      the same; an earlier image stands
+  //   "getAndSaveBannerImage(): ERROR - write failed"      the same, or out of memory; an earlier image stands
   // Every call downloads again. The image's name is the digest of the URL without blanks at its ends. Newlines
   // stay, so that such a URL is never found again; that is deliberate. A download ends with its platform: when
   // that is replaced, what has not begun is dropped.

@@ -72,10 +72,11 @@ std::string videoName(const std::string& url) {
 }  // namespace
 
 Text appendedPathComponent(const Text& directory, std::string_view name) {
-  if (!directory || name.empty()) return directory;
+  name.remove_prefix(std::min(name.find_first_not_of('/'), name.size()));
+  if (!directory || directory->empty()) return std::nullopt;
+  if (name.empty()) return directory;
   std::string path = *directory;
   while (path.ends_with('/')) path.pop_back();
-  name.remove_prefix(std::min(name.find_first_not_of('/'), name.size()));
   return path.append("/").append(name);
 }
 

@@ -142,6 +142,19 @@ TEST_F(CacheDirectory, AVideoIsLookedForOnlyAfterItsDirectory) {
                    "log getCacheVideoDataPath() - ERROR: Cache Video Data  does not exist"}));
 }
 
+TEST_F(CacheDirectory, ALookUpWithoutItAddsNoLineOfItsOwn) {
+  fail("createDirectoryAtPath TavloCache", "No space left on device");
+  const Calls asked{"documentDirectory", "fileExistsAtPathIsDirectory TavloCache", "createDirectoryAtPath TavloCache",
+                    "log Couldn't create directory TavloCache error: No space left on device"};
+
+  EXPECT_EQ(TavloUtility::getCacheVideoDataPath("http://h/v/a.mp4"), std::nullopt);
+  EXPECT_EQ(platform_->calls(), asked);
+
+  platform_->forget();
+  EXPECT_EQ(TavloUtility::getCacheVideoPathOfSavedInDB("a.mp4"), std::nullopt);
+  EXPECT_EQ(platform_->calls(), asked);
+}
+
 TEST(CacheDirectoryWithoutAPlatform, AnswersNotAvailable) {
   const InstalledPlatform<platform::Platform> none;
   const Installed<Logger, RecordingLogger> logger;
@@ -172,16 +185,15 @@ TEST_P(AppendedPathComponent, HasOneSlashInBetween) {
   EXPECT_EQ(appendedPathComponent(GetParam().directory, GetParam().component), GetParam().path);
 }
 
-INSTANTIATE_TEST_SUITE_P(Joins, AppendedPathComponent,
-                         testing::Values(Join{"Plain", "/d", "a", "/d/a"}, Join{"SlashAtTheEnd", "/d/", "a", "/d/a"},
-                                         Join{"SlashesAtTheEnd", "/d//", "a", "/d/a"},
-                                         Join{"SlashInFront", "/d", "/a", "/d/a"},
-                                         Join{"SlashesOnBothSides", "/d/", "//a", "/d/a"},
-                                         Join{"SlashInside", "/d", "a//b", "/d/a//b"},
-                                         Join{"SlashBehind", "/d", "a/", "/d/a/"}, Join{"OnlyASlash", "/d", "/", "/d/"},
-                                         Join{"EmptyName", "/d", "", "/d"}, Join{"Root", "/", "a", "/a"},
-                                         Join{"AbsentDirectory", std::nullopt, "a", std::nullopt}),
-                         kCaseName);
+INSTANTIATE_TEST_SUITE_P(
+    Joins, AppendedPathComponent,
+    testing::Values(Join{"Plain", "/d", "a", "/d/a"}, Join{"SlashAtTheEnd", "/d/", "a", "/d/a"},
+                    Join{"SlashesAtTheEnd", "/d//", "a", "/d/a"}, Join{"SlashInFront", "/d", "/a", "/d/a"},
+                    Join{"SlashesOnBothSides", "/d/", "//a", "/d/a"}, Join{"SlashInside", "/d", "a//b", "/d/a//b"},
+                    Join{"SlashBehind", "/d", "a/", "/d/a/"}, Join{"OnlyASlash", "/d", "/", "/d"},
+                    Join{"EmptyDirectory", "", "a", std::nullopt}, Join{"EmptyName", "/d", "", "/d"},
+                    Join{"Root", "/", "a", "/a"}, Join{"AbsentDirectory", std::nullopt, "a", std::nullopt}),
+    kCaseName);
 
 }  // namespace
 }  // namespace tavlo::test
