@@ -61,6 +61,18 @@ TEST_F(CachedListCalls, AListThatGoesBetweenTheTestAndTheReadIsAbsentWithoutALin
   EXPECT_EQ(platform_->lines(), (Calls{"Cached directory path : /app/Documents/TavloCache/VideoListAPI"}));
 }
 
+TEST_F(CachedListCalls, WithoutADirectoryNothingIsClearedAndNoLineAdded) {
+  static_cast<void>(
+      platform_->files().removeItemAtPath(CachePlatform::path("TavloCache"), platform::Removal::anything));
+  fail("createDirectoryAtPath TavloCache");
+
+  EXPECT_EQ(TavloUtility::getCachedVideoList(true), std::nullopt);
+
+  EXPECT_EQ(platform_->calls(),
+            (Calls{"documentDirectory", "fileExistsAtPathIsDirectory TavloCache", "createDirectoryAtPath TavloCache",
+                   "log Couldn't create directory TavloCache error: broken"}));
+}
+
 TEST_F(CachedListCalls, AReadErrorIsAbsentWithoutALine) {
   platform_->putFile("TavloCache/VideoListAPI", "x");
   fail("dataWithContentsOfFile TavloCache/VideoListAPI");

@@ -22,7 +22,10 @@ class AwaitedLogger final : public Logger {
     written_.notify_all();
   }
 
-  // All lines since the last time, once this many downloads have ended.
+  // All lines since the last time.
+  [[nodiscard]] std::vector<std::string> take() { return takeAfter(0); }
+
+  // The same, once this many downloads have ended.
   [[nodiscard]] std::vector<std::string> takeAfter(std::ptrdiff_t downloads) {
     std::unique_lock lock(mutex_);
     written_.wait(lock, [&] { return std::count_if(lines_.begin(), lines_.end(), isLast) >= downloads; });

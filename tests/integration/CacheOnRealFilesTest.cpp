@@ -26,8 +26,12 @@ TEST_F(CacheOnRealFiles, TheErrorTellsTheSystemsReasonAndThePath) {
 
   EXPECT_EQ(TavloUtility::getDocumentDirectoryPath("a"), std::nullopt);
 
-  EXPECT_EQ(world_.takeLines(),
-            (Lines{"Couldn't create directory TavloCache error: Not a directory: DOCUMENTS/TavloCache"}));
+  EXPECT_EQ(TavloUtility::getCacheVideoDataPath("http://h/v/a.mp4"), std::nullopt);
+  EXPECT_EQ(TavloUtility::getCacheVideoPathOfSavedInDB("a.mp4"), std::nullopt);
+  EXPECT_EQ(TavloUtility::getCachedVideoList(true), std::nullopt);
+
+  const std::string line = "Couldn't create directory TavloCache error: Not a directory: DOCUMENTS/TavloCache";
+  EXPECT_EQ(world_.takeLines(), (Lines{line, line, line, line}));
 }
 
 TEST_F(CacheOnRealFiles, TheDirectoryIsItsUsersAlone) {
@@ -104,7 +108,7 @@ TEST_F(CacheOnRealFiles, AnyNameIsCleared) {
   EXPECT_EQ(world_.names("TavloCache"), Lines{});
 }
 
-TEST_F(CacheOnRealFiles, ALogThatIsALinkOrAFolderIsKeptToo) {
+TEST_F(CacheOnRealFiles, ALogThatIsAFolderIsKeptToo) {
   world_.putFolder("TavloCache");
   world_.putFolder("TavloCache/TavloLogFile.txt");
   world_.put("TavloCache/TavloLogFile.txt/x", "x");
@@ -112,6 +116,15 @@ TEST_F(CacheOnRealFiles, ALogThatIsALinkOrAFolderIsKeptToo) {
   TavloUtility::clearCache();
 
   EXPECT_EQ(world_.names("TavloCache/TavloLogFile.txt"), (Lines{"x"}));
+}
+
+TEST_F(CacheOnRealFiles, ALogThatIsALinkIsKeptTooEvenToNothing) {
+  world_.putFolder("TavloCache");
+  fs::create_symlink(world_.place("nowhere"), world_.place("TavloCache/TavloLogFile.txt"));
+
+  TavloUtility::clearCache();
+
+  EXPECT_EQ(world_.names("TavloCache"), (Lines{"TavloLogFile.txt"}));
 }
 
 TEST_F(CacheOnRealFiles, DeletionOfALinkLeavesItsTarget) {

@@ -183,9 +183,9 @@ TEST_F(CacheUnderThreads, TheLogSurvivesEveryClearingAndNoImageIsEverHalf) {
             case 4: TavloUtility::cachedBannerImage(url), ++written; break;
             default:
               if (const Text path = TavloUtility::getCacheBannerImagePath(url)) {
-                const std::string body = readFile(*path);
-                if (!body.empty()) ++looked;  // else cleared meanwhile
-                EXPECT_TRUE(body.empty() || isWhole(body)) << *path;
+                const auto body = platform::current()->fileManager().dataWithContentsOfFile(path);
+                if (body) ++looked;  // else cleared meanwhile
+                EXPECT_TRUE(!body || isWhole(*body)) << *path;
               } else {
                 ++noImage;
               }
@@ -203,8 +203,7 @@ TEST_F(CacheUnderThreads, TheLogSurvivesEveryClearingAndNoImageIsEverHalf) {
   EXPECT_EQ(lines["Couldn't create directory"], 0);
   EXPECT_EQ(world_.bytes("TavloCache/TavloLogFile.txt"), log);
   EXPECT_EQ(world_.temporaries(), std::vector<std::string>{});
-  RecordProperty("clearings", clearings);
-  RecordProperty("images_read", looked);
+  EXPECT_GT(looked, 0) << "after " << clearings << " clearings";
 }
 
 TEST_F(CacheUnderThreads, ReadersOfAReplacedImageFindItWhole) {

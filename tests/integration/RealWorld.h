@@ -4,36 +4,17 @@
 #include <algorithm>
 #include <filesystem>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
-#include "common/Logger.h"
 #include "platform/Platform.h"
 #include "platform/linux/LinuxPlatform.h"
+#include "tests/integration/AwaitedLogger.h"
 #include "tests/support/CacheWorlds.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace tavlo::test {
-
-// Keeps the lines of any number of threads.
-class KeepingLogger final : public Logger {
- public:
-  void writeLine(std::string_view message) override {
-    const std::lock_guard lock(mutex_);
-    lines_.emplace_back(message);
-  }
-  [[nodiscard]] std::vector<std::string> take() {
-    const std::lock_guard lock(mutex_);
-    return std::exchange(lines_, {});
-  }
-
- private:
-  std::mutex mutex_;
-  std::vector<std::string> lines_;
-};
 
 class RealWorld {
  public:
@@ -85,7 +66,7 @@ class RealWorld {
 
  private:
   TemporaryFolder folder_;
-  std::shared_ptr<KeepingLogger> logger_ = std::make_shared<KeepingLogger>();
+  std::shared_ptr<AwaitedLogger> logger_ = std::make_shared<AwaitedLogger>();
 };
 
 }  // namespace tavlo::test

@@ -94,14 +94,6 @@ TYPED_TEST_P(CachedLists, AListThatCannotBeReadIsAbsentWithoutALine) {
   EXPECT_EQ(this->world_.names("TavloCache"), (Lines{"VideoListAPI", "a.mp4"}));
 }
 
-TYPED_TEST_P(CachedLists, WithoutADirectoryThereIsNoListAndNothingIsCleared) {
-  this->world_.loseDocuments();
-
-  EXPECT_EQ(TavloUtility::getCachedVideoList(true), std::nullopt);
-
-  EXPECT_EQ(this->world_.takeLines().size(), 1U);
-}
-
 TYPED_TEST_P(CachedLists, BytesThatAreNoArchiveReachTheCaller) {
   this->world_.putFolder("TavloCache");
 
@@ -191,8 +183,7 @@ TYPED_TEST_P(CachedLists, DeletingWhatIsNotThereFails) {
 
 REGISTER_TYPED_TEST_SUITE_P(CachedLists, EachFlagReadsItsOwnList, AMissingListEmptiesTheCacheButForTheLog,
                             AMissingInterstitialListTakesTheVideoListAlong, AMissingListInAnEmptyCacheIsToldAsWell,
-                            AListThatCannotBeReadIsAbsentWithoutALine,
-                            WithoutADirectoryThereIsNoListAndNothingIsCleared, BytesThatAreNoArchiveReachTheCaller,
+                            AListThatCannotBeReadIsAbsentWithoutALine, BytesThatAreNoArchiveReachTheCaller,
                             TheErrorNamesTheFile, ClearingKeepsTheLogFileAndTheDirectory,
                             ClearingAMissingDirectoryDoesNotMakeIt, ClearingAPlainFileOfItsNameLeavesIt,
                             ClearingTouchesNothingBesideTheDirectory, ADeletedFileIsGone,

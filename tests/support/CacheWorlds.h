@@ -31,7 +31,6 @@ class MemoryWorld {
   void remove(const std::string& name) {
     static_cast<void>(platform_->files().removeItemAtPath(place(name), platform::Removal::anything));
   }
-  void loseDocuments() { platform_->files().hasDocuments = false; }
   [[nodiscard]] std::string place(const std::string& name) const { return CachePlatform::path(name); }
   [[nodiscard]] std::string bytes(const std::string& name) { return platform_->bytes(name).value_or("(no file)"); }
   // Sorted; "" is the Documents directory.
