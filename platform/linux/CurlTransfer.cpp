@@ -124,7 +124,10 @@ int beforeRequest(void* response, char*, char*, int, int) noexcept {
 // The library takes a connection that is cut for one that was closed, but shows the TLS messages that it gets: the
 // two bytes of an alert are its level and its description, of which 0 is close-notify.
 int watchTls(CURL*, curl_infotype type, char* bytes, std::size_t size, void* response) noexcept {
-  if (type == CURLINFO_SSL_DATA_IN && size == 2 && bytes[1] == 0) static_cast<Response*>(response)->isCloseNotified();
+  const std::string_view message(bytes, size);
+  if (type == CURLINFO_SSL_DATA_IN && message.size() == 2 && message[1] == 0) {
+    static_cast<Response*>(response)->isCloseNotified();
+  }
   return 0;
 }
 
@@ -134,10 +137,10 @@ class Request {
  public:
   Request(const DownloadLimits& limits, const std::optional<std::filesystem::path>& certificateAuthorities,
           const std::string& url)
-      : response_(limits), easy_(curl_easy_init()) {
-    usable_ = easy_ && set(CURLOPT_URL, url.c_str()) && setProtocol() && setLimits(limits) && setCallbacks() &&
-              (!certificateAuthorities || set(CURLOPT_CAINFO, certificateAuthorities->c_str()));
-  }
+      : response_(limits),
+        easy_(curl_easy_init()),
+        usable_(easy_ && set(CURLOPT_URL, url.c_str()) && setProtocol() && setLimits(limits) && setCallbacks() &&
+                (!certificateAuthorities || set(CURLOPT_CAINFO, certificateAuthorities->c_str()))) {}
 
   [[nodiscard]] bool isUsable() const { return usable_; }
   [[nodiscard]] CURL* handle() const { return easy_.get(); }
@@ -189,8 +192,8 @@ class Request {
   }
 
   Response response_;
-  std::unique_ptr<CURL, EasyCleanup> easy_;
-  bool usable_ = false;
+  const std::unique_ptr<CURL, EasyCleanup> easy_;
+  const bool usable_;
 };
 
 class CurlTransfer final : public HttpTransfer {

@@ -1,12 +1,12 @@
 #include "platform/linux/WorkerQueue.h"
 
 #include <pthread.h>
-#include <signal.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
 #include <atomic>
 #include <condition_variable>
+#include <csignal>
 #include <cstdlib>
 #include <deque>
 #include <mutex>
@@ -194,12 +194,6 @@ bool WorkerQueue::Crew::hire() {
 void WorkerQueue::Crew::work() {
   isWorker = true;
   static_cast<void>(::setpriority(PRIO_PROCESS, static_cast<id_t>(::gettid()), kNice));
-  const auto run = [](std::function<void()> task) noexcept {
-    try {
-      task();
-    } catch (...) {  // it ends the task; there is no one to tell
-    }
-  };
   std::unique_lock lock(mutex_);
   for (;;) {
     ++resting_;
@@ -209,7 +203,11 @@ void WorkerQueue::Crew::work() {
     std::function<void()> task = std::move(tasks_.front());
     tasks_.pop_front();
     lock.unlock();
-    run(std::move(task));
+    try {
+      task();
+    } catch (...) {  // it ends the task; there is no one to tell
+    }
+    task = nullptr;  // what it holds goes while there is no lock
     lock.lock();
   }
   --alive_;

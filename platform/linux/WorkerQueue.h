@@ -24,6 +24,8 @@ class WorkerQueue final : public platform::BackgroundQueue {
  public:
   // `cancel` makes the tasks that are running end soon. It is called once, when the queue stops, by any thread.
   explicit WorkerQueue(int workers, std::function<void()> cancel = nullptr);
+  WorkerQueue(const WorkerQueue&) = delete;
+  WorkerQueue& operator=(const WorkerQueue&) = delete;
   ~WorkerQueue() override;
 
   void dispatchAsync(std::function<void()> task) override;
