@@ -5,42 +5,15 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <latch>
-#include <thread>
 
-#include "platform/linux/RemoveTree.h"
-#include "tests/platform/linux/FaultySyscalls.h"
-#include "tests/support/TemporaryFolder.h"
+#include "tests/platform/linux/RemoveTreeFixture.h"
 
 namespace tavlo::test {
 namespace {
 
 namespace fs = std::filesystem;
-using linux_platform::removeTree;
 using testing::ElementsAre;
 using testing::UnorderedElementsAre;
-
-class RemoveTree : public testing::Test {
- protected:
-  [[nodiscard]] bool remove(const fs::path& path) { return removeTree(syscalls_, path); }
-
-  // tree/file, tree/empty, tree/sub/file, tree/sub/deep/file
-  void plant() {
-    fs::create_directories(folder_ / "tree/sub/deep");
-    fs::create_directory(folder_ / "tree/empty");
-    for (const char* const file : {"tree/file", "tree/sub/file", "tree/sub/deep/file"}) writeFile(folder_ / file, "x");
-  }
-  [[nodiscard]] std::vector<std::string> left() const {
-    std::vector<std::string> names;
-    for (const auto& entry : fs::recursive_directory_iterator(folder_.path())) {
-      names.push_back(entry.path().lexically_relative(folder_.path()).string());
-    }
-    return names;
-  }
-
-  TemporaryFolder folder_;
-  FaultySyscalls syscalls_{folder_.path().string()};
-};
 
 TEST_F(RemoveTree, TakesAFileInOneCall) {
   writeFile(folder_ / "file", "x");
@@ -98,63 +71,6 @@ TEST_F(RemoveTree, ALinkIsRemovedAndNotFollowed) {
   EXPECT_EQ(left().size(), 7U);
 }
 
-TEST_F(RemoveTree, AFolderThatBecomesALinkMeanwhileIsNotFollowed) {
-  plant();
-  fs::create_directory(folder_ / "outside");
-  writeFile(folder_ / "outside/precious", "x");
-  syscalls_.setHook([&](const std::string& call) {
-    if (call == "openat tree/sub") {
-      fs::rename(folder_ / "tree/sub", folder_ / "moved");
-      fs::create_directory_symlink(folder_ / "outside", folder_ / "tree/sub");
-    }
-    return 0;
-  });
-
-  EXPECT_FALSE(remove(folder_ / "tree"));
-
-  EXPECT_TRUE(fs::exists(folder_ / "outside/precious"));
-  EXPECT_TRUE(fs::exists(folder_ / "moved/deep/file"));
-}
-
-TEST_F(RemoveTree, AnItemThatBecomesALinkMeanwhileIsNotFollowed) {
-  for (const char* const name : {"tree", "tree/"}) {
-    plant();
-    fs::create_directory(folder_ / "outside");
-    writeFile(folder_ / "outside/precious", "x");
-    syscalls_.setHook([&](const std::string& call) {
-      if (call.starts_with("open tree")) {
-        fs::rename(folder_ / "tree", folder_ / "moved");
-        fs::create_directory_symlink(folder_ / "outside", folder_ / "tree");
-      }
-      return 0;
-    });
-
-    EXPECT_FALSE(remove(folder_.path().string() + "/" + name)) << name;
-
-    EXPECT_TRUE(fs::exists(folder_ / "outside/precious")) << name;
-    EXPECT_TRUE(fs::exists(folder_ / "moved/file")) << name;
-    fs::remove_all(folder_ / "moved");
-    fs::remove(folder_ / "tree");
-  }
-}
-
-TEST_F(RemoveTree, AFolderThatIsMovedAwayMeanwhileEndsIt) {
-  plant();
-  syscalls_.setHook([&](const std::string& call) {
-    if (call == "unlinkat tree/sub/deep/file") {
-      fs::create_directory(folder_ / "elsewhere");
-      writeFile(folder_ / "elsewhere/precious", "x");
-      fs::rename(folder_ / "tree/sub/deep", folder_ / "elsewhere/deep");
-    }
-    return 0;
-  });
-
-  EXPECT_FALSE(remove(folder_ / "tree"));
-
-  EXPECT_EQ(errno, ESTALE);
-  EXPECT_TRUE(fs::exists(folder_ / "elsewhere/precious"));
-}
-
 TEST_F(RemoveTree, FiveThousandLevelsTakeThreeOpenFiles) {
   const int start = ::open(folder_.path().c_str(), O_RDONLY | O_DIRECTORY);
   int at = start;
@@ -188,43 +104,6 @@ TEST_F(RemoveTree, WhatFailsStaysAndTheRestGoes) {
 
   EXPECT_EQ(errno, EPERM);
   EXPECT_THAT(left(), UnorderedElementsAre("tree", "tree/sub", "tree/sub/file"));
-}
-
-TEST_F(RemoveTree, WhatAnotherRemovesMeanwhileCountsAsRemoved) {
-  plant();
-  syscalls_.setHook([&](const std::string& call) {
-    if (call == "unlinkat tree/file") fs::remove(folder_ / "tree/file");
-    if (call == "rmdirat tree/sub/deep") fs::remove(folder_ / "tree/sub/deep");
-    return 0;
-  });
-
-  EXPECT_TRUE(remove(folder_ / "tree"));
-
-  EXPECT_THAT(left(), ElementsAre());
-}
-
-TEST_F(RemoveTree, WhatAnotherRemovesMeanwhileIsNotTheReasonOfAFailure) {
-  plant();
-  syscalls_.setHook([&](const std::string& call) {
-    if (call == "unlinkat tree/sub/deep/file") fs::remove(folder_ / "tree/sub/deep/file");
-    return call == "rmdirat tree/sub" ? EPERM : 0;
-  });
-
-  EXPECT_FALSE(remove(folder_ / "tree"));
-
-  EXPECT_EQ(errno, EPERM);
-}
-
-TEST_F(RemoveTree, ATreeThatAnotherRemovesWholeMeanwhileIsNotThere) {
-  plant();
-  syscalls_.setHook([&](const std::string& call) {
-    if (call == "openat tree/sub") fs::remove_all(folder_ / "tree");
-    return 0;
-  });
-
-  EXPECT_FALSE(remove(folder_ / "tree"));
-
-  EXPECT_THAT(left(), ElementsAre());
 }
 
 TEST_F(RemoveTree, EveryCallMayFailOnceAndTheNextTryTakesAll) {
@@ -319,24 +198,6 @@ TEST_F(RemoveTree, AFolderThatCannotBeWrittenToLosesWhatItsFoldersHold) {
     EXPECT_TRUE(fs::exists(folder_ / "tree/sub/deep")) << item;
     EXPECT_TRUE(fs::exists(folder_ / "tree/sub/file")) << item;
     fs::remove_all(folder_ / "tree");
-  }
-}
-
-TEST_F(RemoveTree, ThreadsThatRemoveTheSameTreeAllEndAndLeaveNothingToTheNextTry) {
-  constexpr int kThreads = 8;
-  for (int round = 0; round < 20; ++round) {
-    plant();
-    std::latch start(kThreads);
-    std::vector<std::thread> threads;
-    for (int i = 0; i < kThreads; ++i) {
-      threads.emplace_back([&] {
-        start.arrive_and_wait();
-        static_cast<void>(removeTree(linux_platform::Syscalls::real(), folder_ / "tree"));
-      });
-    }
-    for (std::thread& thread : threads) thread.join();
-    static_cast<void>(remove(folder_ / "tree"));  // a thread stops where another one took its way back
-    EXPECT_THAT(left(), ElementsAre());
   }
 }
 
