@@ -13,7 +13,7 @@ const std::vector<std::vector<std::string>> kAnswering{
     {"--help"},     {"--version"},
     {"md5", "a"},   {"contract", "--format", "json"},
     {"id", "show"}, {"request", "tracker", "--session", "-", "--pretty"},
-    {"demo"},
+    {"demo"},       {"cache", "path", "a"},
 };
 
 Result runWithOutput(const std::vector<std::string>& arguments, Setting setting) {
