@@ -7,7 +7,8 @@
 //          Value's own order says, which tells equal numbers of different kinds apart: integer, real, narrow
 //          real. Equal ones keep the order in which they came.
 // Absent   records without a date, or with nothing at all (Uid{0}) for one, come first.
-// Bounds   each record is looked into once; what dates share is compared once.
+// Bounds   each record is looked into once; what dates share is compared once, and a set or a map in them is
+//          sorted once, as common/ValueComparison.h says.
 // Threads  a pure function.
 // Throws   nothing but std::bad_alloc.
 #pragma once

@@ -11,6 +11,8 @@ namespace {
 using Kind = Value::Kind;
 using Order = std::strong_ordering;
 
+constexpr std::size_t kMostDifferent = 1'000'000;
+
 // Integer and real share a rank, so that numbers order by number.
 int rank(Kind kind) { return static_cast<int>(kind == Kind::real ? Kind::integer : kind); }
 
@@ -61,6 +63,14 @@ Order compareNumbers(const Value& a, const Value& b) {
 
 }  // namespace
 
+std::size_t ValueComparison::PairHash::operator()(const Pair& pair) const {
+  constexpr std::uint64_t kOdd = 0x9E3779B97F4A7C15;
+  const auto first = static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(pair.first));
+  const auto second = static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(pair.second));
+  const std::uint64_t mixed = ((first * kOdd) + second) * kOdd;
+  return static_cast<std::size_t>(mixed ^ (mixed >> 32U));
+}
+
 std::strong_ordering ValueComparison::compare(const Value& a, const Value& b) {
   if (const Order order = rank(a.kind()) <=> rank(b.kind()); order != 0) return order;
   switch (a.kind()) {
@@ -86,11 +96,13 @@ std::strong_ordering ValueComparison::compareBytes(const Value& a, const Value& 
 
 template <class Compare>
 std::strong_ordering ValueComparison::compareOnce(const Value& a, const Value& b, Compare compareThem) {
-  const auto pair = std::pair(representative(a.identity()), representative(b.identity()));
+  const Pair pair(representative(a.identity()), representative(b.identity()));
   if (pair.first == pair.second) return Order::equal;
   if (const auto known = different_.find(pair); known != different_.end()) return known->second;
   const Order order = compareThem();
   if (order != 0) {
+    // A comparison that is made again costs no more than the way to the first difference.
+    if (different_.size() == kMostDifferent) different_.clear();
     different_.emplace(pair, order);
   } else if (const void* const other = representative(pair.second); representative(pair.first) != other) {
     equal_[representative(pair.first)] = other;
@@ -138,8 +150,8 @@ std::strong_ordering ValueComparison::compareUrls(const ValueUrl& a, const Value
 }
 
 std::strong_ordering ValueComparison::compareMaps(const ValueMap& a, const ValueMap& b) {
-  const auto entriesA = sortedEntries(a);
-  const auto entriesB = sortedEntries(b);
+  const auto& entriesA = sortedEntries(a);
+  const auto& entriesB = sortedEntries(b);
   const std::size_t both = std::min(entriesA.size(), entriesB.size());
   for (std::size_t i = 0; i < both; ++i) {
     if (const Order order = compare(entriesA[i]->first, entriesB[i]->first); order != 0) return order;
@@ -149,20 +161,34 @@ std::strong_ordering ValueComparison::compareMaps(const ValueMap& a, const Value
 }
 
 std::strong_ordering ValueComparison::compareSets(const ValueList& a, const ValueList& b) {
-  return compareLists(sorted(a), sorted(b));
+  const auto& itemsA = sortedItems(a);
+  const auto& itemsB = sortedItems(b);
+  const std::size_t both = std::min(itemsA.size(), itemsB.size());
+  for (std::size_t i = 0; i < both; ++i) {
+    if (const Order order = compare(*itemsA[i], *itemsB[i]); order != 0) return order;
+  }
+  return a.size() <=> b.size();
 }
 
-ValueList ValueComparison::sorted(ValueList items) {
-  std::sort(items.begin(), items.end(), [this](const Value& x, const Value& y) { return compare(x, y) < 0; });
+// Sorting compares the items, which may sort sets inside them: the table may grow meanwhile, its vectors stay put.
+const std::vector<const Value*>& ValueComparison::sortedItems(const ValueList& set) {
+  const auto [known, isNew] = sortedItems_.try_emplace(&set);
+  auto& items = known->second;
+  if (!isNew) return items;
+  items.reserve(set.size());
+  for (const Value& item : set) items.push_back(&item);
+  std::sort(items.begin(), items.end(), [this](auto* x, auto* y) { return compare(*x, *y) < 0; });
   return items;
 }
 
-std::vector<const ValueMap::Entry*> ValueComparison::sortedEntries(const ValueMap& map) {
-  std::vector<const ValueMap::Entry*> pointers;
-  pointers.reserve(map.size());
-  for (const auto& entry : map) pointers.push_back(&entry);
-  std::sort(pointers.begin(), pointers.end(), [this](auto* x, auto* y) { return compare(x->first, y->first) < 0; });
-  return pointers;
+const std::vector<const ValueMap::Entry*>& ValueComparison::sortedEntries(const ValueMap& map) {
+  const auto [known, isNew] = sortedEntries_.try_emplace(&map);
+  auto& entries = known->second;
+  if (!isNew) return entries;
+  entries.reserve(map.size());
+  for (const auto& entry : map) entries.push_back(&entry);
+  std::sort(entries.begin(), entries.end(), [this](auto* x, auto* y) { return compare(x->first, y->first) < 0; });
+  return entries;
 }
 
 }  // namespace tavlo

@@ -2,14 +2,15 @@
 //
 // Values   what operator<=> says.
 // Bounds   shared contents are compared once: those found equal count as one from then on, and the order of
-//          those found different is kept.
+//          those found different is kept, of the last million of pairs. A set's items and a map's entries are
+//          sorted once. Memory is linear in the values compared, beside those pairs.
 // Threads  one thread at a time.
 //
 // Every value compared must outlive the ValueComparison: contents are known again by where they lie.
 #pragma once
 
 #include <compare>
-#include <map>
+#include <cstddef>
 #include <string>
 #include <unordered_map>
 #include <utility>
@@ -25,6 +26,11 @@ class ValueComparison {
 
  private:
   using Order = std::strong_ordering;
+  using Pair = std::pair<const void*, const void*>;
+
+  struct PairHash {
+    std::size_t operator()(const Pair& pair) const;
+  };
 
   Order compareBytes(const Value& a, const Value& b, const std::string& bytesA, const std::string& bytesB);
   template <class Compare>
@@ -35,11 +41,13 @@ class ValueComparison {
   Order compareUrls(const ValueUrl& a, const ValueUrl& b);
   Order compareMaps(const ValueMap& a, const ValueMap& b);
   Order compareSets(const ValueList& a, const ValueList& b);
-  [[nodiscard]] ValueList sorted(ValueList items);
-  [[nodiscard]] std::vector<const ValueMap::Entry*> sortedEntries(const ValueMap& map);
+  [[nodiscard]] const std::vector<const Value*>& sortedItems(const ValueList& set);
+  [[nodiscard]] const std::vector<const ValueMap::Entry*>& sortedEntries(const ValueMap& map);
 
   std::unordered_map<const void*, const void*> equal_;
-  std::map<std::pair<const void*, const void*>, Order> different_;
+  std::unordered_map<Pair, Order, PairHash> different_;
+  std::unordered_map<const ValueList*, std::vector<const Value*>> sortedItems_;
+  std::unordered_map<const ValueMap*, std::vector<const ValueMap::Entry*>> sortedEntries_;
 };
 
 }  // namespace tavlo
