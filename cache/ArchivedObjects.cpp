@@ -1,8 +1,10 @@
 #include "cache/ArchivedObjects.h"
 
-#include <algorithm>
+#include <cmath>
+#include <set>
 
 #include "cache/KeyedArchive.h"
+#include "common/Utf8.h"
 
 namespace tavlo::keyed_archive {
 namespace {
@@ -17,11 +19,19 @@ const Value& field(const Place& place, const ValueMap& fields, std::string_view 
   return *value;
 }
 
-const Value& fieldOf(Kind kind, const char* kindName, const Place& place, const ValueMap& fields,
-                     std::string_view name) {
-  const Value& value = field(place, fields, name);
+const Value& ofKind(Kind kind, const char* kindName, const Place& place, std::string_view name, const Value& value) {
   if (value.kind() != kind) place.fail(quoted(name) + " is no " + kindName);
   return value;
+}
+
+const Value& fieldOf(Kind kind, const char* kindName, const Place& place, const ValueMap& fields,
+                     std::string_view name) {
+  return ofKind(kind, kindName, place, name, field(place, fields, name));
+}
+
+double asDouble(const Integer& integer) {
+  if (integer.fitsSigned()) return static_cast<double>(static_cast<std::int64_t>(integer.low));
+  return std::ldexp(static_cast<double>(integer.high), 64) + static_cast<double>(integer.low);
 }
 
 }  // namespace
@@ -42,7 +52,7 @@ ArchivedObject ArchivedObjects::object(std::size_t number) {
     case Kind::uid: object.place.fail("a reference where an object belongs");
     case Kind::list:
     case Kind::set: object.place.fail("a bare property-list container; an archive's is an object with a class");
-    default: object.whole = value;
+    default: object.whole = &value;
   }
   return object;
 }
@@ -55,12 +65,10 @@ void ArchivedObjects::readFields(ArchivedObject& object, const ValueMap& fields)
   if (object.form != Form::object) object.place.knownClass = itsClass.name;
   const Place& place = object.place;
   switch (object.form) {
-    case Form::null: object.whole = Value(); break;
-    case Form::text: object.whole = fieldOf(Kind::text, "text", place, fields, kText); break;
-    case Form::data: object.whole = fieldOf(Kind::data, "data", place, fields, kData); break;
-    case Form::date:
-      object.whole = Date{.seconds = fieldOf(Kind::real, "real", place, fields, kTime).ifReal()->value};
-      break;
+    case Form::null: object.made = Value(); break;
+    case Form::text: readText(object, fields); break;
+    case Form::data: object.whole = &plain(Kind::data, "data", place, fields, kData); break;
+    case Form::date: object.made = Date{.seconds = seconds(place, fields)}; break;
     case Form::url:
       for (const auto name : {kBase, kRelative}) {
         object.parts.push_back(reference(place, name, field(place, fields, name)));
@@ -84,13 +92,59 @@ void ArchivedObjects::readFields(ArchivedObject& object, const ValueMap& fields)
 void ArchivedObjects::readCustom(ArchivedObject& object, const ValueMap& fields) {
   copy(object.place, object.className.size());
   object.parts.reserve(2 * fields.size());
+  std::set<std::size_t> dollars;
   for (const auto& [name, value] : fields) {
     if (!name.ifText()) object.place.fail("a field's name is no text");
-    if (*name.ifText() != kClass) object.parts.push_back({.inPlace = &name});
+    if (*name.ifText() == kClass) continue;
+    const Part part = &fieldName(name);
+    if (part->ifText()->starts_with('$') && !dollars.insert(names_.of(*part)).second) {
+      object.place.fail("two fields have one name, but for a \"$\"");
+    }
+    object.parts.push_back(part);
   }
   for (const auto& [name, value] : fields) {
     if (*name.ifText() != kClass) object.parts.push_back(part(object.place, value));
   }
+}
+
+void ArchivedObjects::readText(ArchivedObject& object, const ValueMap& fields) {
+  if (fields.find(kText) || !fields.find(kBytes)) {
+    object.whole = &plain(Kind::text, "text", object.place, fields, kText);
+    return;
+  }
+  const Value& bytes = plain(Kind::data, "data", object.place, fields, kBytes);
+  const auto [text, isNew] = texts_.try_emplace(bytes.identity());
+  if (isNew) {
+    if (!isUtf8(*bytes.ifData())) object.place.fail(quoted(kBytes) + " is not UTF-8");
+    text->second = *bytes.ifData();
+  }
+  object.whole = &text->second;
+}
+
+// A field of a known class, in place or by reference.
+const Value& ArchivedObjects::plain(const Place& place, const ValueMap& fields, std::string_view name) const {
+  const Value& value = *part(place, field(place, fields, name));
+  const Uid* const uid = value.ifUid();
+  return uid && uid->index > 0 ? objects_[static_cast<std::size_t>(uid->index)] : value;
+}
+
+const Value& ArchivedObjects::plain(Kind kind, const char* kindName, const Place& place, const ValueMap& fields,
+                                    std::string_view name) const {
+  return ofKind(kind, kindName, place, name, plain(place, fields, name));
+}
+
+double ArchivedObjects::seconds(const Place& place, const ValueMap& fields) const {
+  const Value& time = plain(place, fields, kTime);
+  if (const Integer* const whole = time.ifInteger()) return asDouble(*whole);
+  return ofKind(Kind::real, "number", place, kTime, time).ifReal()->value;
+}
+
+// As its class has it.
+const Value& ArchivedObjects::fieldName(const Value& name) {
+  if (!name.ifText()->starts_with("$$")) return name;
+  const auto [made, isNew] = texts_.try_emplace(name.identity(), name);
+  if (isNew && takesOneMoreDollar(*name.ifText())) made->second = name.ifText()->substr(1);
+  return made->second;
 }
 
 ArchivedObject ArchivedObjects::container(const Place& place, const Value& container) {
@@ -112,7 +166,7 @@ ArchivedObject ArchivedObjects::container(const Place& place, const Value& conta
 
 // Looked into once, however many objects are of it.
 const ArchivedObjects::Class& ArchivedObjects::classOf(const Place& place, const ValueMap& fields) {
-  const std::size_t number = reference(place, kClass, field(place, fields, kClass)).object;
+  const auto number = static_cast<std::size_t>(reference(place, kClass, field(place, fields, kClass))->ifUid()->index);
   if (const auto known = classes_.find(number); known != classes_.end()) return known->second;
   const Place there{.object = number, .knownClass = {}};
   const ValueMap* const itsFields = objects_[number].ifMap();
@@ -132,11 +186,10 @@ Part ArchivedObjects::reference(const Place& place, std::string_view name, const
 Part ArchivedObjects::part(const Place& place, const Value& value) const {
   if (value.isNull()) place.fail("it holds a property-list null; an archive's null is an object of NSNull");
   const Uid* const uid = value.ifUid();
-  if (!uid) return {.inPlace = &value};
-  if (uid->index >= objects_.size()) {
+  if (uid && uid->index >= objects_.size()) {
     place.fail("it refers to object " + std::to_string(uid->index) + " of " + std::to_string(objects_.size()));
   }
-  return {.object = static_cast<std::size_t>(uid->index)};
+  return &value;
 }
 
 void ArchivedObjects::addItems(ArchivedObject& object, const ValueMap& fields, std::string_view name) {

@@ -12,10 +12,12 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "cache/KeyedArchiveFormat.h"
 #include "common/Value.h"
+#include "common/ValueNumbers.h"
 
 namespace tavlo::keyed_archive {
 
@@ -27,19 +29,17 @@ struct Place {
   [[noreturn]] void fail(const std::string& what) const;
 };
 
-// What an object is made of: another object by number, or a value that stands in place.
-struct Part {
-  const Value* inPlace = nullptr;
-  std::size_t object = 0;
-};
+// What an object is made of: a reference to an object that is there, or a value that stands in place.
+using Part = const Value*;
 
-// An object. `whole` is it when it has no parts. Those of a map, and of an object of a named class, are all keys
-// and then all values; those of a URL its base and its text.
+// An object. `whole` is it when it has no parts, or `made` when it does not lie there as a value. The parts of a
+// map, and of an object of a named class, are all keys and then all values; those of a URL its base and its text.
 struct ArchivedObject {
   Place place;
   Form form = Form::object;
   std::string_view className;
-  std::optional<Value> whole;
+  const Value* whole = nullptr;
+  std::optional<Value> made;
   std::vector<Part> parts;
 };
 
@@ -63,6 +63,12 @@ class ArchivedObjects {
 
   void readFields(ArchivedObject& object, const ValueMap& fields);
   void readCustom(ArchivedObject& object, const ValueMap& fields);
+  void readText(ArchivedObject& object, const ValueMap& fields);
+  [[nodiscard]] const Value& plain(const Place& place, const ValueMap& fields, std::string_view name) const;
+  [[nodiscard]] const Value& plain(Value::Kind kind, const char* kindName, const Place& place, const ValueMap& fields,
+                                   std::string_view name) const;
+  [[nodiscard]] double seconds(const Place& place, const ValueMap& fields) const;
+  [[nodiscard]] const Value& fieldName(const Value& name);
   [[nodiscard]] const Class& classOf(const Place& place, const ValueMap& fields);
   [[nodiscard]] Part reference(const Place& place, std::string_view name, const Value& value) const;
   [[nodiscard]] Part part(const Place& place, const Value& value) const;
@@ -74,6 +80,8 @@ class ArchivedObjects {
   std::size_t looked_ = 0;
   std::size_t copied_ = 0;
   std::map<std::size_t, Class> classes_;
+  std::unordered_map<const void*, Value> texts_;  // of bytes and of names with a "$" too many, by identity
+  ValueNumbers names_;                            // of fields that begin with "$"
 };
 
 }  // namespace tavlo::keyed_archive

@@ -25,6 +25,7 @@ inline constexpr std::string_view kClassName = "$classname";
 inline constexpr std::string_view kClasses = "$classes";
 
 inline constexpr std::string_view kText = "NS.string";
+inline constexpr std::string_view kBytes = "NS.bytes";  // a text as UTF-8, from some archivers
 inline constexpr std::string_view kData = "NS.data";
 inline constexpr std::string_view kTime = "NS.time";
 inline constexpr std::string_view kItems = "NS.objects";
@@ -72,6 +73,14 @@ inline constexpr auto kKnownClasses = std::to_array<KnownClass>({
   return std::find_if(kKnownClasses.begin(), kKnownClasses.end(),
                       [&](const KnownClass& each) { return each.form == form; })
       ->name;
+}
+
+// Names of fields that begin with "$" have one "$" more in an archive. Only what was archived without a name has
+// the archiver's own, "$0", "$1" and so on; those, and any that differ from one by "$" alone, stay as they are.
+[[nodiscard]] constexpr bool takesOneMoreDollar(std::string_view name) {
+  if (!name.starts_with('$')) return false;
+  const std::string_view behind = name.substr(std::min(name.find_first_not_of('$'), name.size()));
+  return behind.empty() || behind.find_first_not_of("0123456789") != std::string_view::npos;
 }
 
 // Values of URLs and of objects have a copy each of their text or class name, which an archive holds once.

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cstdint>
+#include <deque>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -25,7 +26,7 @@ class Reader {
   enum class State : std::uint8_t { unread, begun, whole };
 
   struct Node {
-    Value value;
+    const Value* value = nullptr;
     std::uint16_t height = 0;  // containers inside one another, this one included
     State state = State::unread;
   };
@@ -37,16 +38,18 @@ class Reader {
     std::size_t next = 0;
   };
 
-  void enter(const Place& from, const Part& part);
+  void enter(const Place& from, Part part);
   void close(const Frame& frame);
-  [[nodiscard]] Node* nodeOf(const Part& part);
-  [[nodiscard]] const Value& valueOf(const Part& part);
-  [[nodiscard]] Value made(const ArchivedObject& object);
+  [[nodiscard]] Node* nodeOf(Part part);
+  [[nodiscard]] const Value& valueOf(Part part);
+  [[nodiscard]] Value assembled(const ArchivedObject& object);
   [[nodiscard]] ValueList items(const ArchivedObject& object);
   [[nodiscard]] std::vector<ValueMap::Entry> entries(const ArchivedObject& object);
   [[nodiscard]] Value url(const ArchivedObject& object);
 
   ArchivedObjects objects_;
+  const Value nothing_ = Uid{.index = 0};
+  std::deque<Value> made_;  // whatever does not lie in the archive as a value
   std::vector<Frame> frames_;
   std::vector<Node> nodes_;
   std::unordered_map<const void*, Node> inPlace_;  // containers in fields, by identity
@@ -55,12 +58,13 @@ class Reader {
 
 Reader::Reader(const ValueList& objects, std::size_t archiveSize)
     : objects_(objects, archiveSize), nodes_(objects.size()) {
-  nodes_[0].value = Uid{.index = 0};
+  nodes_[0].value = &nothing_;
   nodes_[0].state = State::whole;
 }
 
 Value Reader::decode(std::size_t number) {
-  enter({.object = number, .knownClass = {}}, {.object = number});
+  const Value root = Uid{.index = number};
+  enter({.object = number, .knownClass = {}}, &root);
   while (!frames_.empty()) {
     Frame& frame = frames_.back();
     if (frame.next < frame.object.parts.size()) {
@@ -71,17 +75,19 @@ Value Reader::decode(std::size_t number) {
       frames_.pop_back();
     }
   }
-  return nodes_[number].value;
+  return *nodes_[number].value;
 }
 
 // Decodes at once what has no parts, and puts what has some on the frames.
-void Reader::enter(const Place& from, const Part& part) {
+void Reader::enter(const Place& from, Part part) {
   Node* const node = nodeOf(part);
   if (!node || node->state == State::whole) return;
-  ArchivedObject object = part.inPlace ? objects_.container(from, *part.inPlace) : objects_.object(part.object);
+  ArchivedObject object =
+      part->ifUid() ? objects_.object(static_cast<std::size_t>(part->ifUid()->index)) : objects_.container(from, *part);
   if (node->state == State::begun) object.place.fail("it contains itself");
+  if (object.made) object.whole = &made_.emplace_back(*std::move(object.made));
   if (object.whole) {
-    node->value = *std::move(object.whole);
+    node->value = object.whole;
     node->state = State::whole;
     return;
   }
@@ -92,29 +98,28 @@ void Reader::enter(const Place& from, const Part& part) {
 
 void Reader::close(const Frame& frame) {
   std::size_t height = 0;
-  for (const Part& part : frame.object.parts) {
+  for (const Part part : frame.object.parts) {
     if (const Node* const node = nodeOf(part)) height = std::max<std::size_t>(height, node->height);
   }
   // What was first met near the top may be shared by something deep down, so its height counts, not its depth.
   if (height == property_list::kDeepest) frame.object.place.fail("nested too deep");
-  frame.node->value = made(frame.object);
+  frame.node->value = &made_.emplace_back(assembled(frame.object));
   frame.node->height = static_cast<std::uint16_t>(height + 1);
   frame.node->state = State::whole;
 }
 
 // nullptr for a plain value.
-Reader::Node* Reader::nodeOf(const Part& part) {
-  if (!part.inPlace) return &nodes_[part.object];
-  const Value& value = *part.inPlace;
-  return value.ifList() || value.ifSet() || value.ifMap() ? &inPlace_[value.identity()] : nullptr;
+Reader::Node* Reader::nodeOf(Part part) {
+  if (const Uid* const uid = part->ifUid()) return &nodes_[static_cast<std::size_t>(uid->index)];
+  return part->ifList() || part->ifSet() || part->ifMap() ? &inPlace_[part->identity()] : nullptr;
 }
 
-const Value& Reader::valueOf(const Part& part) {
+const Value& Reader::valueOf(Part part) {
   const Node* const node = nodeOf(part);
-  return node ? node->value : *part.inPlace;
+  return node ? *node->value : *part;
 }
 
-Value Reader::made(const ArchivedObject& object) {
+Value Reader::assembled(const ArchivedObject& object) {
   switch (object.form) {
     case Form::url: return url(object);
     case Form::list: return Value::list(items(object));
@@ -131,7 +136,7 @@ Value Reader::made(const ArchivedObject& object) {
 ValueList Reader::items(const ArchivedObject& object) {
   ValueList items;
   items.reserve(object.parts.size());
-  for (const Part& part : object.parts) items.push_back(valueOf(part));
+  for (const Part part : object.parts) items.push_back(valueOf(part));
   return items;
 }
 
@@ -192,6 +197,10 @@ std::size_t rootOf(const ValueMap& archive, std::size_t objectCount) {
 }  // namespace
 
 std::optional<Value> decode(std::string_view bytes) {
+  if (bytes.size() > kLargestArchive) {
+    throw ArchiveError(std::to_string(bytes.size()) + " bytes; an archive of more than " +
+                       std::to_string(kLargestArchive) + " is not read");
+  }
   const property_list::Decoded list = property_list::decode(bytes);
   if (!list.value) throw ArchiveError(list.error);
   const ValueMap* const archive = list.value->ifMap();

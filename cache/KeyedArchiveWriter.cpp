@@ -67,11 +67,13 @@ class Writer {
   void addReferences(Draft& draft, std::string_view name, const Parts& parts, PartOf partOf);
   void addUrl(Draft& draft, const ValueUrl& url);
   void addCustom(Draft& draft, const ValueObject& object);
+  [[nodiscard]] const Value& fieldName(const Value& name);
   [[nodiscard]] Value classNamed(const std::string& name);
   void check(const std::string& text, const char* what) const;
 
   ValueList objects_;
   std::vector<std::size_t> heights_;
+  std::unordered_map<const void*, Value> fieldNames_;  // by identity
   std::size_t copiedBytes_ = 0;
   std::deque<Value> texts_;  // of URLs, kept while contents are known by where they lie
   std::unordered_map<const void*, std::size_t> byIdentity_;
@@ -168,12 +170,19 @@ void Writer::addCustom(Draft& draft, const ValueObject& object) {
   }
   copiedBytes_ += object.className.size();
   for (const auto& [name, value] : object.fields) {
-    if (!name.ifText()) fail("a field's name is no text");
-    if (*name.ifText() == kClass) fail("a field's name is \"$class\"");
-    check(*name.ifText(), "a field's name");
     const bool inPlace = value.ifBoolean() || value.ifInteger() || value.ifReal();
-    draft.fields.append(name, inPlace ? value : reference(draft, value));
+    draft.fields.append(fieldName(name), inPlace ? value : reference(draft, value));
   }
+}
+
+// As it stands in the archive; looked into once, however many objects have it.
+const Value& Writer::fieldName(const Value& name) {
+  if (!name.ifText()) fail("a field's name is no text");
+  const auto [made, isNew] = fieldNames_.try_emplace(name.identity(), name);
+  if (!isNew) return made->second;
+  check(*name.ifText(), "a field's name");
+  if (takesOneMoreDollar(*name.ifText())) made->second = "$" + *name.ifText();
+  return made->second;
 }
 
 Value Writer::classNamed(const std::string& name) {
@@ -199,6 +208,10 @@ std::string encode(const std::optional<Value>& root) {
                                                        {kTop, Value::map({{kRoot, top}})},
                                                        {kObjects, writer.objects()}}));
   if (!bytes) throw ArchiveError("the archive to be is no property list");
+  if (bytes->size() > kLargestArchive) {
+    throw ArchiveError(std::to_string(bytes->size()) + " bytes; an archive of more than " +
+                       std::to_string(kLargestArchive) + " is not written");
+  }
   if (writer.copiedBytes() > mostCopiedBytes(bytes->size())) {
     throw ArchiveError("the archive to be has too many URLs and class names for its size");
   }

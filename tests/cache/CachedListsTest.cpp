@@ -136,6 +136,16 @@ TEST(SortCachedVideoDates, ANewListIsOrderedAndTheOldOneStaysAsItWas) {
   EXPECT_EQ(list, Value::list({record(2, "late"), record(-1, "early"), record(2, "later")}));
 }
 
+TEST(SortCachedVideoDates, NoneAndOneRecordComeBackAsTheyWere) {
+  const Value one = Value::list({Value::map({{"startdate", Date{.seconds = 1}}, {"name", "only"}})});
+  const Value undated = Value::list({Value::map({{"name", "only"}})});
+
+  EXPECT_EQ(TavloUtility::sortCacahedVideoDates(Value::list({})), Value::list({}));
+  EXPECT_EQ(TavloUtility::sortCacahedVideoDates(Value::set({})), Value::list({}));
+  EXPECT_EQ(TavloUtility::sortCacahedVideoDates(one), one);
+  EXPECT_EQ(TavloUtility::sortCacahedVideoDates(undated), undated);
+}
+
 TEST(SortCachedVideoDates, ASetComesBackAsAList) {
   EXPECT_EQ(
       TavloUtility::sortCacahedVideoDates(Value::set({Value::map({{"startdate", 2}}), Value::map({{"startdate", 1}})})),

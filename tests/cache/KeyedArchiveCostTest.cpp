@@ -166,6 +166,40 @@ TEST(KeyedArchiveCost, LongTextOfManyUrlsIsRefused) {
   EXPECT_EQ(error, "object 36 (NSURL): too many URLs and class names for the archive's size");
 }
 
+std::string encodeError(const Value& value) {
+  try {
+    static_cast<void>(encode(value));
+  } catch (const ArchiveError& error) {
+    return error.what();
+  }
+  return "";
+}
+
+TEST(KeyedArchiveCost, SizeEndsAtItsBoundBothWays) {
+  const auto data = [](std::size_t size) { return Value::data(std::string(size, 'd')); };
+  const std::size_t around = encode(data(4'000'000)).size() - 4'000'000;
+  const std::size_t most = 4'194'304 - around;
+
+  const std::string largest = encode(data(most));
+
+  EXPECT_EQ(largest.size(), 4'194'304U);
+  EXPECT_EQ(archiveError(largest), "");
+  EXPECT_EQ(archiveError(largest + "x"), "4194305 bytes; an archive of more than 4194304 is not read");
+  EXPECT_EQ(encodeError(data(most + 1)), "4194305 bytes; an archive of more than 4194304 is not written");
+}
+
+TEST(KeyedArchiveCost, LongNameOfAFieldOfManyObjectsIsLookedIntoOnce) {
+  const Value name("$$" + std::string(1'000'000, 'n'));
+  const Value object = Value::map({{"$class", uid(20'002)}, {name, 1}});
+
+  const auto value = decodeArchive(repeated(20'000, object, {classObject("Ad")}));
+  const auto again = decode(encode(value));
+
+  const ValueList& objects = *again->ifList();
+  EXPECT_EQ(objects.size(), 20'000U);
+  EXPECT_EQ(objects.back().ifObject()->fields.begin()->first, Value("$" + std::string(1'000'000, 'n')));
+}
+
 TEST(KeyedArchiveCost, ClassWithManyFieldsIsLookedIntoOnce) {
   std::vector<ValueMap::Entry> fields;
   for (int i = 0; i < 20'000; ++i) fields.emplace_back("f" + std::to_string(i), 0);

@@ -1,4 +1,4 @@
-// Sound archives of other programs, damaged in every place.
+// Sound archives of other programs: cut short at every byte, and with every bit flipped.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -30,7 +30,7 @@ class KeyedArchiveDamage : public testing::TestWithParam<const char*> {
   const std::string file_ = test::archiveFile(GetParam());
 };
 
-TEST_P(KeyedArchiveDamage, EveryCutEndsInAnError) {
+TEST_P(KeyedArchiveDamage, EveryCutAtTheEndIsRefused) {
   ASSERT_EQ(archiveError(file_), "");
 
   for (std::size_t length = 0; length < file_.size(); ++length) {
@@ -38,7 +38,7 @@ TEST_P(KeyedArchiveDamage, EveryCutEndsInAnError) {
   }
 }
 
-TEST_P(KeyedArchiveDamage, EveryFlippedBitEndsInAValueOrAnError) {
+TEST_P(KeyedArchiveDamage, EveryFlippedBitIsReadOrRefusedAndOneInEightIsWrittenBack) {
   std::string flipped = file_;
 
   for (std::size_t bit = 0; bit < 8 * file_.size(); ++bit) {

@@ -14,6 +14,7 @@ import json
 import pathlib
 import plistlib
 import random
+import re
 import struct
 import sys
 from collections import namedtuple
@@ -31,6 +32,18 @@ Set = namedtuple("Set", "items")
 Url = namedtuple("Url", "text base", defaults=[None])
 Map = namedtuple("Map", "entries")
 Custom = namedtuple("Custom", "name entries")
+
+
+# The archiver's own names of fields, of which those of a class must not be one.
+UNNAMED = re.compile(r"\$+[0-9]+")
+
+
+def name_in_archive(name):
+    return "$" + name if name.startswith("$") and not UNNAMED.fullmatch(name) else name
+
+
+def name_in_class(name):
+    return name[1:] if name.startswith("$$") and not UNNAMED.fullmatch(name) else name
 
 
 def bits(number):
@@ -131,7 +144,7 @@ class Reader:
             return Set(self.parts(fields["NS.objects"]))
         if kind == "NSDictionary":
             return Map(list(zip(self.parts(fields["NS.keys"]), self.parts(fields["NS.objects"]))))
-        return Custom(name, [(k, self.part(v)) for k, v in fields.items() if k != "$class"])
+        return Custom(name, [(name_in_class(k), self.part(v)) for k, v in fields.items() if k != "$class"])
 
 
 def read(archive):
@@ -183,9 +196,11 @@ class Writer:
         if isinstance(value, Null):
             return self.known("Null", {}, mutable=False)
         if isinstance(value, Date):
-            return self.known("Date", {"NS.time": value.seconds}, mutable=False)
+            whole = value.seconds.is_integer() and self.rng.random() < 0.3
+            return self.known("Date", {"NS.time": int(value.seconds) if whole else value.seconds}, mutable=False)
         if isinstance(value, str):
-            return self.known("String", {"NS.string": value})
+            as_bytes = self.rng.random() < 0.3
+            return self.known("String", {"NS.bytes": value.encode()} if as_bytes else {"NS.string": value})
         if isinstance(value, bytes):
             return self.known("Data", {"NS.data": value})
         if isinstance(value, Url):
@@ -199,7 +214,7 @@ class Writer:
             fields = {"NS.keys": [self.add(k) for k, _ in value.entries],
                       "NS.objects": [self.add(v) for _, v in value.entries]}
             return self.known("Dictionary", fields)
-        return value.name, {name: self.field(field) for name, field in value.entries}
+        return value.name, {name_in_archive(name): self.field(field) for name, field in value.entries}
 
     def field(self, value):
         in_place = isinstance(value, (bool, int, float, str, bytes)) and self.rng.random() < 0.7
@@ -261,7 +276,8 @@ def random_graph(rng, depth, made):
         value = Map(list(zip(distinct(keys), items)))
     else:
         name = rng.choice(["AdVideoRecord", "NSOrderedSet", "NSMutable", "Bücher"])
-        value = Custom(name, list(zip(distinct(random_text(rng) for _ in items), items)))
+        fields = distinct(rng.choice(["", "", "$", "$$"]) + random_text(rng) for _ in items)
+        value = Custom(name, list(zip(fields, items)))
     made.append(value)
     return value
 
