@@ -59,10 +59,8 @@ def contents(value):
         return "N"
     if isinstance(value, Null):
         return "n"
-    if value is True:
-        return "T"
-    if value is False:
-        return "F"
+    if isinstance(value, bool):
+        return "T" if value else "F"
     if isinstance(value, int):
         return f"i{value}"
     if isinstance(value, float):
@@ -196,8 +194,8 @@ class Writer:
         if isinstance(value, Null):
             return self.known("Null", {}, mutable=False)
         if isinstance(value, Date):
-            whole = value.seconds.is_integer() and self.rng.random() < 0.3
-            return self.known("Date", {"NS.time": int(value.seconds) if whole else value.seconds}, mutable=False)
+            in_whole = value.seconds.is_integer() and self.rng.random() < 0.3
+            return self.known("Date", {"NS.time": int(value.seconds) if in_whole else value.seconds}, mutable=False)
         if isinstance(value, str):
             as_bytes = self.rng.random() < 0.3
             return self.known("String", {"NS.bytes": value.encode()} if as_bytes else {"NS.string": value})
@@ -291,9 +289,8 @@ def main(mode, *arguments):
         for line in sys.stdin:
             print(contents(read(plistlib.loads(bytes.fromhex(line), fmt=plistlib.FMT_BINARY))))
     elif mode == "write":
-        seed, count = map(int, arguments)
-        rng = random.Random(seed)
-        for _ in range(count):
+        rng = random.Random(int(arguments[0]))
+        for _ in range(int(arguments[1])):
             graph = random_graph(rng, 4, [])
             print(write(graph, rng).hex(), contents(graph))
     else:
