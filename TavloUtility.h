@@ -17,8 +17,8 @@
 // Logs     lines go to Logger::printLog(), console lines to the platform's console, each exactly as stated.
 // Threads  any operation on any thread, any time. Nothing is locked while a collaborator is called.
 // Throws   std::bad_alloc, and three things more: getCachedVideoList() on a file that is no keyed archive,
-//          the geocoder's answer with an empty list (from the handler), and whatever an installed
-//          TavloException throws. Until they are built, the operations marked so throw std::logic_error.
+//          the geocoder's answer with an empty list (std::out_of_range, from the handler), and whatever an
+//          installed TavloException throws.
 //
 // Names are the contract's, misspelt ones included; a selector of several words is one name here.
 #pragma once
@@ -128,22 +128,39 @@ class TavloUtility {
   [[nodiscard]] static Text getOptionalIdFromUserDefault();
   [[nodiscard]] static Text getSecurityKeyTFromUserDefault();
 
-  // ---- Location (not built yet: throws std::logic_error) ----
+  // ---- Location: platform/Location.h and platform/Geocoder.h; location/LocationSlots.h has the shared slots ----
 
-  // Stores the position in the session package and asks for its address, which arrives later.
+  // Stores the position in the session package, in degrees with six decimals ("0.000000" twice while there is
+  // no fix), empties the address, asks the geocoder for it and returns. Does nothing when location services are
+  // off; logs "location authorization: <status>" to the console, and does no more unless the status is 3 or 4.
+  // Never asks for permission. Its location manager takes the place of the last one in the shared slot.
+  //
+  // The answer comes on a thread of the platform's. It logs to the console that it came, and then its error,
+  // after which the address stays empty; or nine lines about the first placemark, whose address then is stored
+  // as one JSON object (location/Address.h; "{}" for an absent list). The answer that comes last counts,
+  // whichever fetch asked for it.
   static void fetchCurrentLocation();
 
-  // ---- Resources and diagnostics (not built yet: each throws std::logic_error) ----
+  // ---- Resources and diagnostics ----
 
-  // The SDK's resource bundle, and the player's sound images in it. Absent (nullptr) when missing.
+  // The SDK's resource bundle, the directory "TavloSDKResource.bundle" of the host app's resources. Absent
+  // (nullptr) when it cannot be opened. Logs "Already Loaded framework bundle", or, each time until it could be
+  // opened, "Loading framework budle once ..." and "Loaded framework bundle .. with path <path>".
   [[nodiscard]] static std::shared_ptr<platform::Bundle> frameworkBundle();
+
+  // The image "volume.png", or "mute.png", of the resource bundle, loaded anew each time. Absent (nullptr) when
+  // there is none that can be read. Both log "Calling Get volume Image first time" and what frameworkBundle() logs.
   [[nodiscard]] static std::shared_ptr<const platform::Image> getVolumeImage();
   [[nodiscard]] static std::shared_ptr<const platform::Image> getMuteImage();
 
-  // Offers the SDK's log file to other apps, over the given view. nullptr: over no view.
+  // Offers the SDK's log file, Documents/TavloCache/TavloLogFile.txt, to other apps in a menu over the
+  // controller's view; nullptr is no view. Whether there is such a file, and whether the menu appears, is not
+  // looked at. Logs "Documents Directory: <URL>" to the console and at the end "Log file is created"; without a
+  // Documents directory there is no menu and no second line. Views may ask for the host's own thread.
   static void getExportTavloSDKLog(platform::ViewController* viewController);
 
-  // Whether an app is installed that opens the file manager's URL.
+  // Whether an app is installed that opens the URL "File Manager://". Its blank makes that no URL for a strict
+  // platform, and the answer false; that is deliberate.
   [[nodiscard]] static bool quillmixInstalledOnThisDevice();
 
   // ---- Utilities ----

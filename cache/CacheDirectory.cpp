@@ -1,12 +1,12 @@
 #include "cache/CacheDirectory.h"
 
-#include <algorithm>
 #include <string>
 
 #include "TavloUtility.h"
 #include "cache/UrlText.h"
 #include "common/Format.h"
 #include "common/Logger.h"
+#include "common/Path.h"
 #include "platform/Platform.h"
 
 namespace tavlo {
@@ -70,15 +70,6 @@ std::string videoName(const std::string& url) {
 }
 
 }  // namespace
-
-Text appendedPathComponent(const Text& directory, std::string_view name) {
-  name.remove_prefix(std::min(name.find_first_not_of('/'), name.size()));
-  if (!directory || directory->empty()) return std::nullopt;
-  if (name.empty()) return directory;
-  std::string path = *directory;
-  while (path.ends_with('/')) path.pop_back();
-  return path.append("/").append(name);
-}
 
 Text cacheDirectory(FileManager& files) {
   return appendedPathComponent(files.documentDirectory(), kCacheDirectoryName);

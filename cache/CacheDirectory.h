@@ -8,14 +8,8 @@
 
 namespace tavlo {
 
-inline constexpr std::string_view kCacheDirectoryName = "TavloCache";
 inline constexpr std::string_view kVideoListName = "VideoListAPI";
 inline constexpr std::string_view kInterstitialListName = "InterstitialListAPI";
-inline constexpr std::string_view kLogFileName = "TavloLogFile.txt";  // the only entry that clearing keeps
-
-// A directory and a name with exactly one "/" between them; the name is not changed otherwise. With an empty
-// name the directory itself. Absent in a directory that is absent or empty.
-[[nodiscard]] Text appendedPathComponent(const Text& directory, std::string_view name);
 
 // Documents/TavloCache, whether it is there or not. Absent when the platform has no Documents directory.
 [[nodiscard]] Text cacheDirectory(platform::FileManager& files);

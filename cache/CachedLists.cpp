@@ -5,6 +5,7 @@
 #include "cache/KeyedArchive.h"
 #include "cache/SortByStartDate.h"
 #include "common/Logger.h"
+#include "common/Path.h"
 #include "platform/Platform.h"
 
 namespace tavlo {

@@ -6,6 +6,8 @@
 #include <system_error>
 #include <utility>
 
+#include "common/Path.h"
+
 namespace tavlo::host {
 namespace {
 
@@ -47,7 +49,7 @@ std::string lineOf(TimePoint time, std::string_view message) {
 }  // namespace
 
 LogFileWriter::LogFileWriter(const fs::path& documentsFolder, Clock clock)
-    : file_(documentsFolder / "TavloCache" / "TavloLogFile.txt"), clock_(std::move(clock)) {}
+    : file_(documentsFolder / kCacheDirectoryName / kLogFileName), clock_(std::move(clock)) {}
 
 void LogFileWriter::writeLine(std::string_view message) noexcept {
   try {

@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "common/Path.h"
 #include "common/Text.h"
 
 namespace tavlo::platform {
@@ -52,6 +53,12 @@ class FileManager {
   // The user's Documents directory, made by the platform when it is missing; the first entry of the
   // platform's search list. Absent when there is no place for one.
   [[nodiscard]] virtual Text documentDirectory() = 0;
+
+  // The same as a "file:" URL that ends in "/"; the last entry of the platform's list of URLs.
+  [[nodiscard]] virtual Text documentDirectoryUrl() {
+    const Text directory = documentDirectory();
+    return directory ? fileUrl(*directory + "/") : std::nullopt;
+  }
 
   // What a path leads to. Links are followed; what cannot be looked at is missing.
   [[nodiscard]] virtual Existence fileExistsAtPathIsDirectory(const Text& path) = 0;

@@ -43,6 +43,54 @@ class NoUrlData final : public UrlData {
   std::optional<std::string> dataWithContentsOfUrl(std::string_view) override { return std::nullopt; }
 };
 
+class NoLocationManager final : public LocationManager {
+ public:
+  void setDistanceFilter(double) override {}
+  void setDesiredAccuracy(double) override {}
+  void startUpdatingLocation() override {}
+  std::optional<Location> location() override { return std::nullopt; }
+};
+
+class NoLocationServices final : public LocationServices {
+ public:
+  bool locationServicesEnabled() override { return false; }
+  std::int32_t authorizationStatus() override { return kCLAuthorizationStatusNotDetermined; }
+  std::shared_ptr<LocationManager> makeLocationManager() override { return std::make_shared<NoLocationManager>(); }
+  void requestAuthorization(StatusHandler answered) override { answered(authorizationStatus()); }
+  void requestLocation(LocationHandler answered) override { answered(std::nullopt); }
+};
+
+class NoGeocoder final : public Geocoder {
+ public:
+  void reverseGeocodeLocation(const std::optional<Location>&, GeocodeCompletionHandler completionHandler) override {
+    completionHandler(std::nullopt, "no geocoder is available");
+  }
+};
+
+class NoBundles final : public Bundles {
+ public:
+  Text mainBundleResourcePath() override { return std::nullopt; }
+  std::shared_ptr<Bundle> bundleWithPath(const Text&) override { return nullptr; }
+};
+
+class NoImages final : public Images {
+ public:
+  std::shared_ptr<const Image> imageWithContentsOfFile(const Text&) override { return nullptr; }
+};
+
+class NoDocumentInteractionController final : public DocumentInteractionController {
+ public:
+  bool presentOpenInMenuFromRect(const Rect&, const std::shared_ptr<View>&, bool) override { return false; }
+};
+
+class NoApplication final : public Application {
+ public:
+  bool canOpenURL(std::string_view) override { return false; }
+  std::shared_ptr<DocumentInteractionController> interactionControllerWithURL(std::string_view) override {
+    return std::make_shared<NoDocumentInteractionController>();
+  }
+};
+
 // Constant-initialised, so that a platform library may set it before this file's own initialisation.
 constinit std::atomic<Factory> defaultFactory{nullptr};
 
@@ -61,6 +109,11 @@ Console& Platform::console() { return theOne<NoConsole>(); }
 FileManager& Platform::fileManager() { return theOne<NoFileManager>(); }
 BackgroundQueue& Platform::backgroundQueue() { return theOne<NoBackgroundQueue>(); }
 UrlData& Platform::urlData() { return theOne<NoUrlData>(); }
+LocationServices& Platform::locationServices() { return theOne<NoLocationServices>(); }
+Bundles& Platform::bundles() { return theOne<NoBundles>(); }
+Images& Platform::images() { return theOne<NoImages>(); }
+Application& Platform::sharedApplication() { return theOne<NoApplication>(); }
+std::shared_ptr<Geocoder> Platform::makeGeocoder() { return std::make_shared<NoGeocoder>(); }
 
 void install(std::shared_ptr<Platform> platform) { processSlot<Platform>().store(std::move(platform)); }
 

@@ -1,12 +1,61 @@
+#include <string>
+#include <string_view>
+
 #include "TavloUtility.h"
-#include "common/NotBuiltYet.h"
+#include "common/Format.h"
+#include "common/Logger.h"
+#include "common/Path.h"
+#include "common/Slot.h"
+#include "platform/Platform.h"
 
 namespace tavlo {
+namespace {
 
-std::shared_ptr<platform::Bundle> TavloUtility::frameworkBundle() { notBuiltYet("frameworkBundle"); }
-std::shared_ptr<const platform::Image> TavloUtility::getVolumeImage() { notBuiltYet("getVolumeImage"); }
-std::shared_ptr<const platform::Image> TavloUtility::getMuteImage() { notBuiltYet("getMuteImage"); }
-void TavloUtility::getExportTavloSDKLog(platform::ViewController*) { notBuiltYet("getExportTavloSDKLog"); }
-bool TavloUtility::quillmixInstalledOnThisDevice() { notBuiltYet("quillmixInstalledOnThisDevice"); }
+using platform::Bundle;
+using platform::Image;
+
+constexpr std::string_view kLoading = "Loading framework budle once ...";
+constexpr std::string_view kLoaded = "Loaded framework bundle .. with path ";
+constexpr std::string_view kAlreadyLoaded = "Already Loaded framework bundle";
+constexpr std::string_view kGettingImage = "Calling Get volume Image first time";  // both images, each time
+
+constexpr std::string_view kBundleName = "TavloSDKResource.bundle";
+constexpr std::string_view kImageType = "png";
+
+// The slot is empty until a bundle could be opened, and never again.
+void loadBundle() {
+  Logger::printLog(kLoading);
+  const auto platform = platform::current();
+  platform::Bundles& bundles = platform->bundles();
+  const Text path = appendedPathComponent(bundles.mainBundleResourcePath(), kBundleName);
+  if (auto bundle = bundles.bundleWithPath(path)) processSlot<Bundle>().store(std::move(bundle));
+  std::string line(kLoaded);
+  appendText(line, path);
+  Logger::printLog(line);
+}
+
+// The slot of the last image is no cache: nothing here reads it.
+std::shared_ptr<const Image> soundImage(std::string_view name) {
+  Logger::printLog(kGettingImage);
+  const auto bundle = TavloUtility::frameworkBundle();
+  const Text path = bundle ? bundle->pathForResourceOfType(name, kImageType) : std::nullopt;
+  auto image = platform::current()->images().imageWithContentsOfFile(path);
+  processSlot<const Image>().store(image);
+  return image;
+}
+
+}  // namespace
+
+std::shared_ptr<Bundle> TavloUtility::frameworkBundle() {
+  if (auto bundle = processSlot<Bundle>().load()) {
+    Logger::printLog(kAlreadyLoaded);
+    return bundle;
+  }
+  loadBundle();
+  return processSlot<Bundle>().load();
+}
+
+std::shared_ptr<const Image> TavloUtility::getVolumeImage() { return soundImage("volume"); }
+std::shared_ptr<const Image> TavloUtility::getMuteImage() { return soundImage("mute"); }
 
 }  // namespace tavlo

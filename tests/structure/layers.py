@@ -20,6 +20,7 @@ ARROWS = {
     "common": set(),
     "platform": {"common"},
     **{room: ROOM_ARROWS for room in ROOMS},
+    "location": ROOM_ARROWS | {"request/TavloPackage.h"},
     "platform/linux": {"common", "platform"},
     "host": {"common", "platform", FACE} | HOST_API,
     "cli": {"common", "platform", "platform/linux", "host", FACE, *ROOMS},

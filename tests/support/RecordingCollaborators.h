@@ -68,8 +68,12 @@ class RecordingPackage final : public TavloPackage {
   void setLatitudeAndLogitude(const Text& latitude, const Text& longitude) override {
     texts[PackageText::getLatitude] = latitude;
     texts[PackageText::getLongitude] = longitude;
+    onWrite("setLatitude:" + latitude.value_or("(null)") + " AndLogitude:" + longitude.value_or("(null)"));
   }
-  void setUserAddress(const Text& address) override { texts[PackageText::getUserAddress] = address; }
+  void setUserAddress(const Text& address) override {
+    texts[PackageText::getUserAddress] = address;
+    onWrite("setUserAddress:" + address.value_or("(null)"));
+  }
 
   // Every text the name of its read operation, with a blank in front.
   void fillWithNames() {
@@ -84,6 +88,7 @@ class RecordingPackage final : public TavloPackage {
   std::int32_t preRollValue = 0;
   mutable std::vector<std::string> reads;
   std::function<void(std::string_view read)> onRead = [](std::string_view) {};
+  std::function<void(const std::string& write)> onWrite = [](const std::string&) {};
 
  private:
   void note(std::string_view name) const {
