@@ -21,7 +21,9 @@ class LinuxPlatform final : public platform::Platform {
       : container_(std::move(container)),
         quietConsole_(options.quietConsole),
         workers_(options.downloads.workers),
-        urlData_(std::make_shared<LinuxUrlData>(options.downloads, options.certificateAuthorities)) {}
+        urlData_(std::make_shared<LinuxUrlData>(options.downloads, options.certificateAuthorities)),
+        locationServices_(options.locationServices),
+        geocoder_(options.geocoder) {}
 
   platform::UserDefaults& standardUserDefaults() override {
     if (!container_) return Platform::standardUserDefaults();
@@ -48,6 +50,14 @@ class LinuxPlatform final : public platform::Platform {
 
   platform::UrlData& urlData() override { return *urlData_; }
 
+  platform::LocationServices& locationServices() override {
+    return locationServices_ ? *locationServices_ : Platform::locationServices();
+  }
+
+  std::shared_ptr<platform::Geocoder> makeGeocoder() override {
+    return geocoder_ ? geocoder_ : Platform::makeGeocoder();
+  }
+
  private:
   const std::optional<Container> container_;
   const bool quietConsole_;
@@ -60,6 +70,8 @@ class LinuxPlatform final : public platform::Platform {
   const std::shared_ptr<LinuxUrlData> urlData_;  // shared with the exit handler, which may cancel it at any time
   std::once_flag queueMade_;
   std::optional<WorkerQueue> queue_;
+  const std::shared_ptr<platform::LocationServices> locationServices_;
+  const std::shared_ptr<platform::Geocoder> geocoder_;
 };
 
 void check(const std::optional<std::filesystem::path>& certificateAuthorities) {

@@ -31,7 +31,9 @@ struct Options {
   std::string domain{};                              // empty: the name of the executable
   bool quietConsole = false;                         // drops console lines instead of writing them to stderr
   DownloadLimits downloads{};
-  std::optional<std::filesystem::path> certificateAuthorities{};  // a PEM file to trust in place of the system's
+  std::optional<std::filesystem::path> certificateAuthorities{};   // a PEM file to trust in place of the system's
+  std::shared_ptr<platform::LocationServices> locationServices{};  // in place of the desktop's
+  std::shared_ptr<platform::Geocoder> geocoder{};                  // in place of the platform's own
 };
 
 [[nodiscard]] std::shared_ptr<platform::Platform> make(const Options& options = {});
