@@ -140,7 +140,7 @@ class Request {
       : response_(limits),
         easy_(curl_easy_init()),
         usable_(easy_ && set(CURLOPT_URL, url.c_str()) && setProtocol() && setLimits(limits) && setCallbacks() &&
-                (!certificateAuthorities || set(CURLOPT_CAINFO, certificateAuthorities->c_str()))) {}
+                (!certificateAuthorities || trustOnly(*certificateAuthorities))) {}
 
   [[nodiscard]] bool isUsable() const { return usable_; }
   [[nodiscard]] CURL* handle() const { return easy_.get(); }
@@ -181,6 +181,11 @@ class Request {
            set(CURLOPT_TIMEOUT_MS, static_cast<long>(limits.total.count())) &&
            set(CURLOPT_MAXREDIRS, long{limits.redirects}) &&
            set(CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(limits.body));
+  }
+
+  // The library has a folder of authorities of its own beside the file.
+  bool trustOnly(const std::filesystem::path& certificateAuthorities) {
+    return set(CURLOPT_CAINFO, certificateAuthorities.c_str()) && set(CURLOPT_CAPATH, nullptr);
   }
 
   bool setCallbacks() {
