@@ -6,7 +6,7 @@
 //          and fragment do not count.
 // Absent   every other text, a file that cannot be read whole or is larger than the body limit, and whatever
 //          fails on the way. A folder, a pipe or a device is absent and never waited for.
-// Threads  any thread, any time. As many connections are kept open as there are workers.
+// Threads  any thread, any time. Up to four connections are kept open for each worker, and reused.
 // Throws   nothing: where there is no memory, data is absent.
 #pragma once
 
