@@ -27,6 +27,20 @@ struct Behaviour {
   std::optional<std::string> image;
 };
 
+// Threads and descriptors of this process.
+struct Usage {
+  std::ptrdiff_t descriptors = count("/proc/self/fd");
+  std::ptrdiff_t threads = count("/proc/self/task");
+
+  friend bool operator==(const Usage&, const Usage&) = default;
+
+ private:
+  static std::ptrdiff_t count(const char* folder) {
+    return std::distance(std::filesystem::directory_iterator(folder), std::filesystem::directory_iterator());
+  }
+};
+
+// Whatever a test downloads, it leaves as many descriptors and threads as there were.
 class BannerDownloads : public testing::Test {
  protected:
   static inline const std::string kNoData = "getAndSaveBannerImage(): Passed data is empty";
@@ -37,14 +51,21 @@ class BannerDownloads : public testing::Test {
   static constexpr DownloadLimits kLimits{
       .connect = kFar, .stall = kFar, .total = kFar, .body = 1U << 20U, .redirects = 5};
 
+  // ThreadSanitizer makes a thread of its own beside the first one of a process, so that one comes and goes before
+  // any are counted.
   BannerDownloads() {
     Logger::install(logger_);
     std::thread([] {}).join();
+    before_ = Usage();
     usePlatform(kLimits);
   }
-  ~BannerDownloads() override {
+  ~BannerDownloads() override { Logger::install(nullptr); }
+
+  void TearDown() override {
     platform::install(nullptr);
-    Logger::install(nullptr);
+    const Usage after = usageOnceItIs(before_);
+    EXPECT_EQ(after.descriptors, before_.descriptors);
+    EXPECT_EQ(after.threads, before_.threads);
   }
 
   void usePlatform(const DownloadLimits& limits) {
@@ -93,20 +114,6 @@ class BannerDownloads : public testing::Test {
     for (const Behaviour& behaviour : behaviours) expect(behaviour);
   }
 
-  // Threads and descriptors of this process. ThreadSanitizer makes a thread of its own beside the first one of a
-  // process, so that one comes and goes before any are counted.
-  struct Usage {
-    std::ptrdiff_t descriptors = count("/proc/self/fd");
-    std::ptrdiff_t threads = count("/proc/self/task");
-
-    friend bool operator==(const Usage&, const Usage&) = default;
-
-   private:
-    static std::ptrdiff_t count(const char* folder) {
-      return std::distance(std::filesystem::directory_iterator(folder), std::filesystem::directory_iterator());
-    }
-  };
-
   // The kernel and workers that nobody joins take a moment to give back what they had.
   [[nodiscard]] static Usage usageOnceItIs(const Usage& expected) {
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
@@ -119,6 +126,7 @@ class BannerDownloads : public testing::Test {
   }
 
   BadServer server_;
+  Usage before_;
   TemporaryFolder folder_;
   std::shared_ptr<AwaitedLogger> logger_ = std::make_shared<AwaitedLogger>();
 };

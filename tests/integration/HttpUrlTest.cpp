@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <future>
 #include <latch>
 #include <thread>
@@ -55,7 +56,8 @@ TEST_F(HttpUrl, OutlivesAnyNumberOfConnectionsThatDieWhileTheyAreKept) {
 }
 
 TEST_F(HttpUrl, IsNotHarmedByTheFailuresBefore) {
-  for (const char* const bad : {"/reset", "/short", "/fields", "/self", "/status/500", "/over", "/hugechunk"}) {
+  for (const char* const bad : {"/reset", "/short", "/fields", "/self", "/status/500", "/over", "/hugechunk",
+                                "/status/304", "/longerkept", "/chunkedkept"}) {
     static_cast<void>(fetch(bad));
     EXPECT_THAT(fetch("/length"), Optional(BadServer::kBody)) << bad;
   }
@@ -78,6 +80,30 @@ TEST_F(HttpUrl, FollowsNoRedirectWhenNoneIsAllowed) {
 
   EXPECT_EQ(data.dataWithContentsOfUrl(server_.url("/relative")), std::nullopt);
   EXPECT_THAT(data.dataWithContentsOfUrl(server_.url("/notarget")), Optional(BadServer::kBody));
+}
+
+TEST_F(HttpUrl, FollowsTwentyRedirectsUnlessToldOtherwise) {
+  LinuxUrlData data({});
+
+  EXPECT_THAT(data.dataWithContentsOfUrl(server_.url("/chain/20")), Optional(BadServer::kBody));
+  EXPECT_EQ(data.dataWithContentsOfUrl(server_.url("/chain/21")), std::nullopt);
+}
+
+TEST_F(HttpUrl, GoesThroughTheProxyOfTheEnvironment) {
+  const std::string proxy = server_.url("http://127.0.0.1:{http}");
+  ASSERT_EQ(::setenv("http_proxy", proxy.c_str(), 1), 0);
+  ASSERT_EQ(::setenv("https_proxy", proxy.c_str(), 1), 0);
+
+  EXPECT_THAT(fetch("http://no-such-host.invalid/length"), Optional(BadServer::kBody));
+  EXPECT_EQ(fetch("http://no-such-host.invalid/short"), std::nullopt);
+  EXPECT_THAT(fetch("https://localhost:{good}/length"), Optional(BadServer::kBody));
+  EXPECT_THAT(fetch("https://localhost:{good}/close"), Optional(BadServer::kBody));
+  EXPECT_EQ(fetch("https://localhost:{cut}/close"), std::nullopt);
+  EXPECT_EQ(fetch("https://localhost:{unknown}/length"), std::nullopt);
+  EXPECT_EQ(fetch("https://no-such-host.invalid/length"), std::nullopt);
+
+  ::unsetenv("http_proxy");
+  ::unsetenv("https_proxy");
 }
 
 TEST_F(HttpUrl, HasALimitOfItsHead) {

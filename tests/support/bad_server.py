@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""An HTTP server on loopback that behaves as the path says, mostly badly.
+"""An HTTP server on loopback that behaves as the path says, mostly badly, and a proxy.
 
 Usage: bad_server.py FOLDER
 
@@ -11,6 +11,7 @@ gets the certificates, of which authority.pem is the one to trust, and the bytes
 import gzip
 import itertools
 import os
+import re
 import socket
 import ssl
 import struct
@@ -66,6 +67,8 @@ ANSWERS = {
     "onlyinterim": head(status="100 Continue"),
     "switching": head("Upgrade: other", status="101 Switching Protocols") + BODY,
     "longer": head("Content-Length: 5") + BODY,
+    "longerkept": head("Content-Length: 5") + BODY,
+    "chunkedkept": CHUNKED + b"5\r\nexact\r\n0\r\n\r\n" + sized(b"not asked for"),
     "twolengths": head("Content-Length: 14", "Content-Length: 5") + BODY,
     "samelengths": head("Content-Length: 14", "Content-Length: 14") + BODY,
     "negative": head("Content-Length: -1") + BODY,
@@ -86,6 +89,10 @@ ANSWERS = {
     "a": to("/b"),
     "b": to("/a"),
     "relative": to("length"),
+    "upwards": to("../../length"),
+    "tonourl": to("http://[::1/"),
+    "askbasic": sized(BODY, 'WWW-Authenticate: Basic realm="a"', status="401 Unauthorized"),
+    "askdigest": sized(BODY, 'WWW-Authenticate: Digest realm="a", nonce="b"', status="401 Unauthorized"),
     "notarget": sized(BODY, status="302 Found"),
     "emptytarget": sized(BODY, "Location:", status="302 Found"),
     "hugetarget": to("/" + "x" * MIB),
@@ -97,6 +104,15 @@ ANSWERS = {
 
 def wait_for_client_to_leave(connection):
     while connection.recv(4096):
+        pass
+
+
+def pump(source, sink):
+    try:
+        while block := source.recv(65536):
+            sink.sendall(block)
+        sink.shutdown(socket.SHUT_WR)
+    except OSError:  # either end has had enough
         pass
 
 
@@ -207,14 +223,27 @@ class Server:
                 if not block:
                     return
                 request += block
-            name, _, argument = request.split(b" ")[1].decode("ascii").partition("?")[0][1:].partition("/")
+            method, target = request.decode("ascii").split(" ")[:2]
+            if method == "CONNECT":
+                return self.tunnel(connection, *target.split(":"))
+            path, _, query = re.sub("^http://[^/]*", "", target).partition("?")
+            name, _, argument = path[1:].partition("/")
             if name == "once" and served > 0:
                 return
-            if not self.answer(connection, name, argument):
+            if not self.answer(connection, name, argument, query):
                 return
 
-    def answer(self, connection, name, argument):
-        """True when the connection may be used again. A query only makes URLs differ."""
+    def tunnel(self, connection, host, port):
+        """What a proxy does for TLS. It knows no host but this one."""
+        if host != "localhost":
+            return connection.sendall(sized(BODY, status="403 Forbidden"))
+        with socket.create_connection((host, port)) as origin:
+            connection.sendall(head("Via: here", status="200 Connected"))
+            threading.Thread(target=pump, args=(connection, origin), daemon=True).start()
+            return pump(origin, connection)
+
+    def answer(self, connection, name, argument, query):
+        """True when the connection may be used again. A query mostly only makes URLs differ."""
         if name == "status":
             connection.sendall(sized(BODY, status=f"{argument} Status"))
         elif name == "chain":
@@ -222,6 +251,10 @@ class Server:
             connection.sendall(to(f"/chain/{steps - 1}") if steps else sized(BODY))
         elif name == "connections":
             connection.sendall(sized(str(self.connections).encode()))
+        elif name == "queryonly":
+            connection.sendall(sized(BODY) if query else to("?again"))
+        elif name == "elsewhere":
+            connection.sendall(to(f"//localhost:{self.ports['http']}/length"))
         elif name == "torefused":
             connection.sendall(to(f"http://127.0.0.1:{self.ports['refused']}/"))
         elif name == "tosecure":
@@ -231,7 +264,7 @@ class Server:
             return False
         else:
             connection.sendall(ANSWERS[name])
-            return name in ("length", "empty", "compressed", "relative", "tonever", "once")
+            return name in ("length", "empty", "compressed", "relative", "tonever", "once", "longerkept", "chunkedkept")
         return True
 
     def tls(self, connection, certificate, cut):
