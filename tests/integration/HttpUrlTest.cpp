@@ -1,8 +1,12 @@
 // What the fetch of a URL does besides giving its data.
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <future>
 #include <latch>
 #include <thread>
@@ -29,6 +33,26 @@ class HttpUrl : public testing::Test {
   BadServer server_;
   LinuxUrlData data_{{.connect = kFar, .stall = kFar, .total = kFar, .workers = 2}, server_.certificateAuthority()};
 };
+
+// The TCP connections of this process.
+std::vector<int> connections() {
+  std::vector<int> found;
+  for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+    const int descriptor = std::stoi(entry.path().filename());
+    sockaddr_in address{};
+    socklen_t size = sizeof(address);
+    const bool isConnected = ::getpeername(descriptor, reinterpret_cast<sockaddr*>(&address), &size) == 0;
+    if (isConnected && address.sin_family == AF_INET) found.push_back(descriptor);
+  }
+  return found;
+}
+
+TEST_F(HttpUrl, KeepsItsConnectionFromTheProgramsThatThisOneStarts) {
+  EXPECT_THAT(fetch("/length"), Optional(BadServer::kBody));
+
+  ASSERT_EQ(connections().size(), 1U);
+  EXPECT_EQ(::fcntl(connections().front(), F_GETFD), FD_CLOEXEC);
+}
 
 TEST_F(HttpUrl, ReusesItsConnection) {
   for (int i = 0; i < 10; ++i) EXPECT_THAT(fetch("/length"), Optional(BadServer::kBody));
@@ -118,6 +142,22 @@ TEST_F(HttpUrl, HasAStallLimitOnEveryConnection) {
   LinuxUrlData data({.connect = kFar, .stall = std::chrono::milliseconds(300), .total = kFar});
 
   EXPECT_EQ(data.dataWithContentsOfUrl(server_.url("/tonever")), std::nullopt);
+}
+
+TEST_F(HttpUrl, ThreadsThatFetchAtOnceLeaveAConnectionForEachWorker) {
+  std::vector<std::future<std::optional<std::string>>> fetches;
+  for (int i = 0; i < 8; ++i) fetches.push_back(std::async(std::launch::async, [&] { return fetch("/gate"); }));
+  server_.waitUntilHeld(8);
+  EXPECT_EQ(connections().size(), 8U);
+  server_.openGate();
+
+  for (auto& each : fetches) EXPECT_THAT(each.get(), Optional(BadServer::kBody));
+
+  EXPECT_EQ(connections().size(), 2U);
+}
+
+TEST_F(HttpUrl, LeavesThePathAsItStands) {
+  EXPECT_THAT(fetch("/argument/a/../b%2E./"), Optional(std::string("a/../b%2E./")));
 }
 
 TEST_F(HttpUrl, ThreadsFetchAtOnceAndAreAllCancelledAtOnce) {

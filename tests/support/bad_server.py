@@ -152,12 +152,6 @@ def send_bytes_one_by_one(connection, _):
         connection.sendall(bytes([byte]))
 
 
-def wait_at_gate(connection, server):
-    server.say("held")
-    server.gate.wait()
-    connection.sendall(sized(BODY))
-
-
 ACTIONS = {
     "never": lambda connection, _: wait_for_client_to_leave(connection),
     "slowhead": lambda connection, _: drip(connection, b"HTTP/1.1 200 OK\r\nA: ", b"x" * 1000),
@@ -174,7 +168,6 @@ ACTIONS = {
     "trailers": lambda connection, _: forever(connection, CHUNKED + b"1\r\nx\r\n0\r\n", b"A: b\r\n" * 1000),
     "redirectflood": lambda connection, _: forever(connection, MOVED, b"x" * 65536),
     "redirectchunks": lambda connection, _: forever(connection, MOVED_CHUNKED, CHUNK),
-    "gate": wait_at_gate,
 }
 
 
@@ -255,10 +248,16 @@ class Server:
             connection.sendall(sized(BODY) if query else to("?again"))
         elif name == "elsewhere":
             connection.sendall(to(f"//localhost:{self.ports['http']}/length"))
+        elif name == "argument":
+            connection.sendall(sized(argument.encode()))
         elif name == "torefused":
             connection.sendall(to(f"http://127.0.0.1:{self.ports['refused']}/"))
         elif name == "tosecure":
             connection.sendall(to(f"https://localhost:{self.ports['good']}/length"))
+        elif name == "gate":
+            self.say("held")
+            self.gate.wait()
+            connection.sendall(sized(BODY))
         elif name in ACTIONS:
             ACTIONS[name](connection, self)
             return False
