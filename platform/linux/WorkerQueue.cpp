@@ -1,12 +1,10 @@
 #include "platform/linux/WorkerQueue.h"
 
-#include <pthread.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
 #include <atomic>
 #include <condition_variable>
-#include <csignal>
 #include <cstdlib>
 #include <deque>
 #include <mutex>
@@ -16,6 +14,8 @@
 #include <utility>
 #include <vector>
 
+#include "platform/linux/SignalsBlocked.h"
+
 namespace tavlo::linux_platform {
 namespace {
 
@@ -24,25 +24,6 @@ constexpr int kNice = 10;
 using Threads = std::vector<std::thread>;
 
 thread_local bool isWorker = false;
-
-// A new thread inherits the mask. Signals that tell of a fault of the thread itself stay open.
-class SignalsBlocked {
- public:
-  SignalsBlocked() {
-    sigset_t blocked{};
-    sigfillset(&blocked);
-    for (const int fault : {SIGABRT, SIGBUS, SIGFPE, SIGILL, SIGPROF, SIGSEGV, SIGSYS, SIGTRAP}) {
-      sigdelset(&blocked, fault);
-    }
-    pthread_sigmask(SIG_SETMASK, &blocked, &before_);
-  }
-  SignalsBlocked(const SignalsBlocked&) = delete;
-  SignalsBlocked& operator=(const SignalsBlocked&) = delete;
-  ~SignalsBlocked() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
-
- private:
-  sigset_t before_{};
-};
 
 void join(Threads threads) {
   for (std::thread& thread : threads) {

@@ -30,6 +30,9 @@ SYSTEM_USERS = {"platform/linux", "cli"}
 # Each library's headers stand in one file only, of this folder.
 LIBRARIES = {
     "libcurl": (r"curl/.+", "platform/linux"),
+    "GLib": (r"glib\.h", "platform/linux"),
+    "libgeoclue": (r"geoclue\.h", "platform/linux"),
+    "geocode-glib": (r"geocode-glib/.+", "platform/linux"),
     "SQLite": (r"sqlite3\.h", "host"),
     "CLI11": (r"CLI/.+", "cli"),
     "nlohmann-json": (r"nlohmann/.+", "cli"),
