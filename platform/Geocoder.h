@@ -18,13 +18,13 @@
 namespace tavlo::platform {
 
 struct Placemark {
-  Text ISOcountryCode;
-  Text country;
-  Text postalCode;
-  Text administrativeArea;
-  Text locality;
-  Text subLocality;
-  Text thoroughfare;
+  Text ISOcountryCode{};
+  Text country{};
+  Text postalCode{};
+  Text administrativeArea{};
+  Text locality{};
+  Text subLocality{};
+  Text thoroughfare{};
 
   // For people, in one line: the fields that are known, from the street to the country.
   [[nodiscard]] std::string description() const;

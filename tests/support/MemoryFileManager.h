@@ -13,7 +13,7 @@
 
 namespace tavlo::test {
 
-class MemoryFileManager final : public platform::FileManager {
+class MemoryFileManager : public platform::FileManager {
  public:
   static constexpr const char* kDocuments = "/app/Documents";
 
