@@ -2,6 +2,7 @@
 //
 //   FOLDER/Documents/                       what the app keeps for its user; the media cache lies in it
 //   FOLDER/Library/Preferences/DOMAIN.plist the user settings
+//   FOLDER/Resources/                       the app's bundles, if it has any; never made here
 //   FOLDER/tmp/                             temporary files on their way to a rename
 //
 // Values   a domain is one file name of 1 to 240 bytes, without "/" and NUL, and not "." or "..". The folder
@@ -36,6 +37,7 @@ class Container {
   [[nodiscard]] std::filesystem::path library() const { return folder_ / "Library"; }
   [[nodiscard]] std::filesystem::path preferences() const { return library() / "Preferences"; }
   [[nodiscard]] std::filesystem::path settingsFile() const { return preferences() / (domain_ + ".plist"); }
+  [[nodiscard]] std::filesystem::path resources() const { return folder_ / "Resources"; }
   [[nodiscard]] std::filesystem::path temporary() const { return folder_ / "tmp"; }
 
   // Makes all of them, and the folders above that are missing, with mode 0700. True: they are there and

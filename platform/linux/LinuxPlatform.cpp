@@ -3,17 +3,30 @@
 #include <mutex>
 #include <stdexcept>
 #include <string>
+#include <system_error>
 #include <utility>
 
 #include "platform/linux/Container.h"
+#include "platform/linux/LinuxBundles.h"
 #include "platform/linux/LinuxFileManager.h"
 #include "platform/linux/LinuxUrlData.h"
+#include "platform/linux/PngImages.h"
 #include "platform/linux/SettingsStore.h"
 #include "platform/linux/StandardErrorConsole.h"
 #include "platform/linux/WorkerQueue.h"
 
 namespace tavlo::linux_platform {
 namespace {
+
+// A relative path is one of the folder that is current now.
+Text resourcesOf(const Options& options, const std::optional<Container>& container) {
+  std::error_code unknown;  // where the current folder is: the path stays relative
+  if (options.resources) {
+    const auto whole = std::filesystem::absolute(*options.resources, unknown);
+    return (unknown ? *options.resources : whole).native();
+  }
+  return container ? Text(container->resources().native()) : std::nullopt;
+}
 
 class LinuxPlatform final : public platform::Platform {
  public:
@@ -22,6 +35,7 @@ class LinuxPlatform final : public platform::Platform {
         quietConsole_(options.quietConsole),
         workers_(options.downloads.workers),
         urlData_(std::make_shared<LinuxUrlData>(options.downloads, options.certificateAuthorities)),
+        bundles_(resourcesOf(options, container_)),
         locationServices_(options.locationServices),
         geocoder_(options.geocoder) {}
 
@@ -49,6 +63,8 @@ class LinuxPlatform final : public platform::Platform {
   }
 
   platform::UrlData& urlData() override { return *urlData_; }
+  platform::Bundles& bundles() override { return bundles_; }
+  platform::Images& images() override { return images_; }
 
   platform::LocationServices& locationServices() override {
     return locationServices_ ? *locationServices_ : Platform::locationServices();
@@ -70,22 +86,25 @@ class LinuxPlatform final : public platform::Platform {
   const std::shared_ptr<LinuxUrlData> urlData_;  // shared with the exit handler, which may cancel it at any time
   std::once_flag queueMade_;
   std::optional<WorkerQueue> queue_;
+  LinuxBundles bundles_;
+  PngImages images_;
   const std::shared_ptr<platform::LocationServices> locationServices_;
   const std::shared_ptr<platform::Geocoder> geocoder_;
 };
 
-void check(const std::optional<std::filesystem::path>& certificateAuthorities) {
-  if (!certificateAuthorities) return;
-  const std::string& path = certificateAuthorities->native();
+void check(const std::string& option, const std::optional<std::filesystem::path>& given) {
+  if (!given) return;
+  const std::string& path = given->native();
   if (!path.empty() && path.find('\0') == std::string::npos) return;
-  throw std::invalid_argument("the option \"certificateAuthorities\" must be a path, not empty and without a NUL");
+  throw std::invalid_argument("the option \"" + option + "\" must be a path, not empty and without a NUL");
 }
 
 }  // namespace
 
 std::shared_ptr<platform::Platform> make(const Options& options) {
   check(options.downloads);
-  check(options.certificateAuthorities);
+  check("certificateAuthorities", options.certificateAuthorities);
+  check("resources", options.resources);
   return std::make_shared<LinuxPlatform>(Container::locate(options.container, options.domain), options);
 }
 

@@ -30,6 +30,7 @@ SYSTEM_USERS = {"platform/linux", "cli"}
 # Each library's headers stand in one file only, of this folder.
 LIBRARIES = {
     "libcurl": (r"curl/.+", "platform/linux"),
+    "libpng": (r"png\.h", "platform/linux"),
     "GLib": (r"glib\.h", "platform/linux"),
     "libgeoclue": (r"geoclue\.h", "platform/linux"),
     "geocode-glib": (r"geocode-glib/.+", "platform/linux"),
