@@ -78,15 +78,16 @@ class Response {
  private:
   void moved() { lastMove_ = Clock::now(); }
 
-  // The announced size, else the limit halved as often as it may be, so that old and new storage together
-  // never have more bytes in use than the limit.
+  // The announced size, else the limit divided as often as it may be. Pages that are not written to take no memory,
+  // but the allocator may keep those of the storage before, so the steps are few and large.
   void makeRoom(std::size_t needed) {
+    constexpr std::size_t kStep = 32;
     if (needed <= body_.capacity()) return;
     std::size_t room = limits_.body;
     if (const auto length = head_.contentLength(); length && *length >= needed && *length <= limits_.body) {
       room = static_cast<std::size_t>(*length);
     } else {
-      while (room / 2 >= needed) room /= 2;
+      while (room / kStep >= needed) room /= kStep;
     }
     body_.reserve(room);
   }

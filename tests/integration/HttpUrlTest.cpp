@@ -156,6 +156,26 @@ TEST_F(HttpUrl, ThreadsThatFetchAtOnceLeaveAConnectionForEachWorker) {
   EXPECT_EQ(connections().size(), 2U);
 }
 
+TEST_F(HttpUrl, IsAbsentOnceCancelledOverANewConnectionAndOverAKeptOne) {
+  LinuxUrlData unused({.connect = kFar, .stall = kFar, .total = kFar});
+  EXPECT_THAT(fetch("/length"), Optional(BadServer::kBody));
+
+  unused.cancel();
+  data_.cancel();
+
+  EXPECT_EQ(unused.dataWithContentsOfUrl(server_.url("/never")), std::nullopt);
+  EXPECT_EQ(fetch("/never"), std::nullopt);
+}
+
+TEST_F(HttpUrl, KeepsNoMoreThanFourConnectionsForAWorker) {
+  for (const char* const url : {"http://127.0.0.1:{http}", "http://localhost:{http}", "https://127.0.0.1:{good}",
+                                "https://localhost:{good}", "https://127.0.0.1:{cut}", "https://localhost:{cut}"}) {
+    EXPECT_THAT(fetch(std::string(url) + "/length"), Optional(BadServer::kBody)) << url;
+  }
+
+  EXPECT_EQ(connections().size(), 4U);
+}
+
 TEST_F(HttpUrl, LeavesThePathAsItStands) {
   EXPECT_THAT(fetch("/argument/a/../b%2E./"), Optional(std::string("a/../b%2E./")));
 }

@@ -8,6 +8,7 @@ the gate. The line "open" on standard input opens the gate for good; the end of 
 gets the certificates, of which authority.pem is the one to trust, and the bytes of the answer "bomb".
 """
 
+import contextlib
 import gzip
 import itertools
 import os
@@ -108,12 +109,10 @@ def wait_for_client_to_leave(connection):
 
 
 def pump(source, sink):
-    try:
+    with contextlib.suppress(OSError):  # either end has had enough
         while block := source.recv(65536):
             sink.sendall(block)
         sink.shutdown(socket.SHUT_WR)
-    except OSError:  # either end has had enough
-        pass
 
 
 def drip(connection, before, slow):
@@ -231,7 +230,7 @@ class Server:
         if host != "localhost":
             return connection.sendall(sized(BODY, status="403 Forbidden"))
         with socket.create_connection((host, port)) as origin:
-            connection.sendall(head("Via: here", status="200 Connected"))
+            connection.sendall(head("Transfer-Encoding: to be ignored", status="200 Connected"))
             threading.Thread(target=pump, args=(connection, origin), daemon=True).start()
             return pump(origin, connection)
 
@@ -250,6 +249,8 @@ class Server:
             connection.sendall(to(f"//localhost:{self.ports['http']}/length"))
         elif name == "argument":
             connection.sendall(sized(argument.encode()))
+        elif name == "tocut":
+            return connection.sendall(to(f"https://localhost:{self.ports['cut']}/close", "302 F\r\nConnection: close"))
         elif name == "torefused":
             connection.sendall(to(f"http://127.0.0.1:{self.ports['refused']}/"))
         elif name == "tosecure":
