@@ -53,8 +53,8 @@ class LinuxUrlData::Lease {
       transfer_ = makeHttpTransfer(owner_.limits_, owner_.certificateAuthorities_);
       if (!transfer_) return;
       lock.lock();
-      if (owner_.cancelled_) transfer_->cancel();
     }
+    if (owner_.cancelled_) transfer_->cancel();
     owner_.busy_.push_back(transfer_.get());
   }
   Lease(const Lease&) = delete;
@@ -82,7 +82,6 @@ LinuxUrlData::LinuxUrlData(DownloadLimits limits, std::optional<std::filesystem:
 
 std::optional<std::string> LinuxUrlData::dataWithContentsOfUrl(std::string_view url) {
   try {
-    if (isCancelled()) return std::nullopt;
     const std::string text = withoutLineBreaksAndTabs(url);
     const auto parsed = parseUrlReference(text);
     if (!parsed || !parsed->scheme) return std::nullopt;
@@ -105,11 +104,11 @@ void LinuxUrlData::cancel() {
   const std::lock_guard lock(mutex_);
   cancelled_ = true;
   for (HttpTransfer* const transfer : busy_) transfer->cancel();
-  for (const auto& transfer : idle_) transfer->cancel();
 }
 
 // A device may do something when it is opened, so what it is is asked first; what it is by then, once more.
 std::optional<std::string> LinuxUrlData::fetchFile(std::string_view encodedPath) {
+  if (isCancelled()) return std::nullopt;
   const std::string path = percentDecoded(encodedPath);
   if (!path.starts_with('/') || path.find('\0') != std::string::npos) return std::nullopt;
 
