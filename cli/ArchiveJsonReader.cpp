@@ -68,6 +68,15 @@ class Reader {
     return within(step, [&] { return read(node); });
   }
 
+  // The member that a form has besides stands next to the one that names it.
+  template <class ReadPart>
+  auto nextTo(std::string_view key, ReadPart readPart) {
+    const Step first = std::exchange(path_.back(), Step(key));
+    auto part = readPart();
+    path_.back() = first;
+    return part;
+  }
+
   ValueList itemsOf(const JsonNode& node) {
     if (node.kind != Kind::list) fail(node, "expected a list");
     ValueList items;
@@ -207,7 +216,7 @@ class Reader {
   Value readDate(const Form& form) {
     const double since1970 = secondsOf(form.value);
     if (!form.other) return Date{.seconds = since1970 - kFrom1970To2001};
-    const double since2001 = secondsOf(*form.other);
+    const double since2001 = nextTo("since2001", [&] { return secondsOf(*form.other); });
     const double sum = since2001 + kFrom1970To2001;
     if (!isSameDouble(sum, since1970)) {
       fail(*form.other,
@@ -222,7 +231,7 @@ class Reader {
     if (form.other) {
       const JsonNode& base = *form.other;
       const bool isWhole = base.kind == Kind::object && memberOf(base, "$url") != nullptr;
-      url.base = isWhole ? read(base) : Value::url({.text = textOf(base), .base = {}});
+      url.base = nextTo("base", [&] { return isWhole ? read(base) : Value::url({.text = textOf(base), .base = {}}); });
     }
     return Value::url(std::move(url));
   }

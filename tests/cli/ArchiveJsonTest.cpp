@@ -187,7 +187,13 @@ INSTANTIATE_TEST_SUITE_P(
         {"NullThatIsFalse", "{\"$null\": false}", 1, "$null: expected true"},
         {"NegativeReference", "{\"$uid\": -1}", 1, "$uid: expected an index"},
         {"UrlOfANumber", "{\"$url\": 1}", 1, "$url: expected a text"},
-        {"BaseOfANumber", "{\"$url\": \"a\", \"base\": 1}", 1, "$url: expected a text"},
+        {"BaseOfANumber", "{\"$url\": \"a\", \"base\": 1}", 1, "base: expected a text"},
+        {"BaseOfABaseOfANumber", "[{\"$url\": \"a\", \"base\": {\"$url\": \"b\", \"base\": []}}]", 1,
+         "[0].base.base: expected a text"},
+        {"SecondTimeThatIsAText", "{\"$date\": 5, \"since2001\": \"x\"}", 1,
+         "since2001: expected seconds, a number of at most 64 bits, or \"inf\", \"-inf\", \"nan\" or \"nan:\" and the "
+         "64 "
+         "bits of one"},
         {"ClassOfANumber", "{\"$class\": 1}", 1, "$class: expected a text"},
         {"FieldsAndMembers", "{\"$class\": \"A\", \"$fields\": [], \"a\": 1}", 1,
          "expected nothing beside \"$class\" and \"$fields\""},
