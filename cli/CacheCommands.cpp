@@ -1,5 +1,9 @@
 // cache path, video, saved, banner, delete and clear.
+#include <algorithm>
+
 #include "TavloUtility.h"
+#include "cache/CacheDirectory.h"
+#include "cli/CacheEntries.h"
 #include "cli/CacheSession.h"
 #include "cli/Commands.h"
 #include "cli/Errors.h"
@@ -31,9 +35,18 @@ void execute(const DeleteCached& command, const Run& run) {
   if (run.globals.json) run.output.answerLine(toJson(true));
 }
 
+// The operation says nothing of what it could not remove.
 void execute(const ClearCache& /*command*/, const Run& run) {
   const CacheSession session(run);
   TavloUtility::clearCache();
+  const auto left = cacheEntries(session.folder());
+  if (!left) return;
+  const auto isLog = [](const CacheEntry& entry) { return entry.name == kLogFileName; };
+  const auto other = std::find_if_not(left->begin(), left->end(), isLog);
+  if (other != left->end()) {
+    throw Failure("\"" + other->name + "\" is still, or again, in " + session.folder().string() +
+                  "; check the rights to it, and what else writes there");
+  }
 }
 
 }  // namespace tavlo::cli

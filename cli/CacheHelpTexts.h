@@ -94,6 +94,10 @@ inline constexpr const char* kCacheDeleteFooter =
     "Example:\n"
     "  tavlo cache delete \"$(tavlo cache banner https://cdn.example.com/banner.png)\"";
 inline constexpr const char* kCacheClear = "Remove everything in the cache directory but the log file.";
-inline constexpr const char* kCacheClearFooter = "Example:\n  tavlo cache clear";
+inline constexpr const char* kCacheClearFooter =
+    "When anything else is there afterwards the exit code is 1.\n"
+    "\n"
+    "Example:\n"
+    "  tavlo cache clear";
 
 }  // namespace tavlo::cli::help
