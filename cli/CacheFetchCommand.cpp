@@ -53,7 +53,7 @@ void answer(const std::vector<Download>& downloads, const Run& run) {
   run.output.answerLine(toArchiveJson(Value::list(std::move(list)), ArchiveLayout::oneLine));
 }
 
-// All URLs that are not stored, each with the last line that was logged.
+// All URLs that are not stored, each with the last line that was logged. Of many, a message shows the first.
 std::string failuresOf(const std::vector<Download>& downloads) {
   std::string text;
   for (const Download& download : downloads) {
@@ -84,12 +84,13 @@ void execute(const FetchBanners& command, const Run& run) {
   answer(downloads, run);
   const std::string all = std::to_string(counts.all);
   if (!allAreDone) {
-    throw Failure("interrupted; not stored of " + all + " downloads: " + failuresOf(downloads) +
-                  "; run it again for those");
+    throw Failure("interrupted; run it again for what is not stored of " + all +
+                  " downloads: " + failuresOf(downloads));
   }
   if (counts.failed > 0) {
-    throw Failure(std::to_string(counts.failed) + " of " + all + " downloads failed: " + failuresOf(downloads) +
-                  "; check the URLs, the network, and the rights to " + cacheFolder(place).string());
+    throw Failure(std::to_string(counts.failed) + " of " + all +
+                  " downloads failed; check the URLs, the network, and the rights to " + cacheFolder(place).string() +
+                  ": " + failuresOf(downloads));
   }
 }
 

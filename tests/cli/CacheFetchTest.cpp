@@ -84,9 +84,8 @@ TEST_F(CacheFetchTest, JsonHasTheLogOfEachDownload) {
               R"j(","getAndSaveBannerImage() - write successfully"]},{"url":")j" + missing_ +
               R"j(","stored":false,"bytes":null,"path":null,"log":["getAndSaveBannerImage(): Passed data is empty"]}])j"
               "\n",
-          "tavlo: 1 of 2 downloads failed: \"" + missing_ +
-              "\" (getAndSaveBannerImage(): Passed data is empty); check the URLs, the network, and the rights to " +
-              directory() + "\n"}));
+          "tavlo: 1 of 2 downloads failed; check the URLs, the network, and the rights to " + directory() + ": \"" +
+              missing_ + "\" (getAndSaveBannerImage(): Passed data is empty)\n"}));
 }
 
 TEST_F(CacheFetchTest, FailuresAreNamedAndTheOthersStored) {
@@ -103,11 +102,23 @@ TEST_F(CacheFetchTest, FailuresAreNamedAndTheOthersStored) {
                 digestOf(image_) + "  " + image_ + "\n");
   EXPECT_EQ(fetched.err,
             "tavlo: note: 3/3 done, 6 bytes, 2 failed\n"
-            "tavlo: 2 of 3 downloads failed: \"" +
-                missing_ +
+            "tavlo: 2 of 3 downloads failed; check the URLs, the network, and the rights to " +
+                directory() + ": \"" + missing_ +
                 "\" (getAndSaveBannerImage(): Passed data is empty), \"no URL\" "
-                "(getAndSaveBannerImage(): Passed data is empty); check the URLs, the network, and the rights to " +
-                directory() + "\n");
+                "(getAndSaveBannerImage(): Passed data is empty)\n");
+}
+
+TEST_F(CacheFetchTest, ManyFailuresLeaveTheAdviceInTheMessage) {
+  std::vector<std::string> arguments = {"fetch", "--quiet"};
+  arguments.insert(arguments.end(), 50, "no URL");
+
+  const Result fetched = cache(arguments);
+
+  EXPECT_EQ(fetched.exitCode, 1);
+  EXPECT_THAT(fetched.err,
+              testing::StartsWith("tavlo: 50 of 50 downloads failed; check the URLs, the network, and the rights to " +
+                                  directory() + ": \"no URL\" ("));
+  EXPECT_THAT(fetched.err, testing::EndsWith("…\n"));
 }
 
 TEST_F(CacheFetchTest, DirectoryIsMadeBeforeTheDownloadsThatWouldMakeItAtOnce) {
@@ -151,8 +162,8 @@ TEST_F(CacheFetchTest, SignalEndsItWithWhatIsStoredByThen) {
                                "result    bytes  name  URL\n"
                                "not done  -      -     " +
                                    silent.url() + "\n",
-                               "tavlo: interrupted; not stored of 1 downloads: \"" + silent.url() +
-                                   "\"; run it again for those\n"}));
+                               "tavlo: interrupted; run it again for what is not stored of 1 downloads: \"" +
+                                   silent.url() + "\"\n"}));
   }
 }
 
