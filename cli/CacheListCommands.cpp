@@ -1,4 +1,5 @@
 // cache list, put-list and sort.
+#include <filesystem>
 #include <optional>
 #include <string>
 
@@ -14,6 +15,8 @@
 
 namespace tavlo::cli {
 namespace {
+
+namespace fs = std::filesystem;
 
 constexpr std::size_t kLongestFile = kLongestArchiveJson;
 
@@ -40,20 +43,30 @@ void requireReadable(const std::string& path) {
   }
 }
 
+std::string pathOf(host::CachedList list, const CacheSession& session) {
+  return (session.folder() / host::fileName(list)).string();
+}
+
 }  // namespace
 
-void execute(const PrintCachedList& command, const Run& run) try {
+void execute(const PrintCachedList& command, const Run& run) {
   const CacheSession session(run);
-  const auto list = TavloUtility::getCachedVideoList(command.list == host::CachedList::video);
-  const std::string path = (session.folder() / host::fileName(command.list)).string();
-  if (!list) requireReadable(path);
-  answerValue(list, run);
-  if (!list && !platform::current()->fileManager().fileExistsAtPath(path)) session.noteWhyAbsent();
-} catch (const ArchiveError& error) {
-  throw Failure(std::string(error.what()) + "; write a new list with put-list, or remove this one");
-} catch (const ArchiveTooLarge& error) {
-  throw Failure(std::string("the list cannot be printed: ") + error.what() +
-                " (what is shared counts each time); write a new list with put-list, or remove this one");
+  const std::string path = pathOf(command.list, session);
+  try {
+    const auto list = TavloUtility::getCachedVideoList(command.list == host::CachedList::video);
+    if (!list) requireReadable(path);
+    answerValue(list, run);
+    if (list || fs::exists(path)) return;
+  } catch (const ArchiveError& error) {
+    throw Failure(std::string(error.what()) + "; write a new list with put-list, or remove this one");
+  } catch (const ArchiveTooLarge& error) {
+    throw Failure(path + " cannot be printed: " + error.what() +
+                  " (what is shared counts each time); apps can read it all the same, and put-list replaces it");
+  }
+  session.noteWhyAbsent();
+  if (fs::exists(session.folder())) {
+    run.output.note("without " + path + " the cache has been cleared, all but the log file, as in an app");
+  }
 }
 
 void execute(const PutCachedList& command, const Run& run) {
@@ -62,10 +75,10 @@ void execute(const PutCachedList& command, const Run& run) {
   try {
     host::writeCachedList(command.list, list.value_or(Uid{}));
   } catch (const host::CachedListError& error) {
-    session.noteLastLine();
+    if (!fs::exists(session.folder())) session.noteLastLine();  // why it was not made
     throw Failure(error.what());
   }
-  answerText((session.folder() / host::fileName(command.list)).string(), run);
+  answerText(pathOf(command.list, session), run);
 }
 
 void execute(const SortList& command, const Run& run) {

@@ -18,7 +18,8 @@ std::string archiveOf(CachedList list, const Value& value) {
   try {
     return keyed_archive::encode(isNothing ? std::nullopt : std::optional(value));
   } catch (const ArchiveError& error) {
-    fail(list, std::string(error.what()) + "; give a value that a keyed archive can hold");
+    fail(list, std::string(error.what()) + "; give a value that a keyed archive of at most " +
+                   std::to_string(keyed_archive::kLargestArchive) + " bytes can hold");
   }
 }
 

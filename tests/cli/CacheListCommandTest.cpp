@@ -11,8 +11,6 @@ namespace {
 
 using testing::ElementsAre;
 
-constexpr const char* kMissing = "tavlo: note: getFileData() - ERROR: This file  does not exist\n";
-
 class CacheListCommandTest : public CacheProgramTest {};
 
 TEST_F(CacheListCommandTest, ListIsPrintedForPeopleAndInOneLine) {
@@ -44,8 +42,11 @@ TEST_F(CacheListCommandTest, MissingListEmptiesTheCacheAndIsAbsent) {
   put("VideoListAPI", fixture("device_one_record.bin"));
   put("image", "1");
 
-  EXPECT_EQ(cache({"list", "interstitial"}), (Result{0, "(null)\n", kMissing}));
-  EXPECT_EQ(cache({"list", "interstitial", "--json"}), (Result{0, "null\n", kMissing}));
+  const std::string notes = "tavlo: note: getFileData() - ERROR: This file  does not exist\ntavlo: note: without " +
+                            path("InterstitialListAPI") +
+                            " the cache has been cleared, all but the log file, as in an app\n";
+  EXPECT_EQ(cache({"list", "interstitial"}), (Result{0, "(null)\n", notes}));
+  EXPECT_EQ(cache({"list", "interstitial", "--json"}), (Result{0, "null\n", notes}));
 
   EXPECT_THAT(names(), ElementsAre("TavloLogFile.txt"));
 }
@@ -89,8 +90,9 @@ TEST_F(CacheListCommandTest, WhatSharingMakesTooLargeIsOneLineAndNoAnswer) {
   for (const char* const look : {"--json", "--quiet"}) {
     EXPECT_EQ(cache({"list", "video", look}),
               (Result{1, "",
-                      "tavlo: the list cannot be printed: its contents take more than 67108864 bytes as text (what "
-                      "is shared counts each time); write a new list with put-list, or remove this one\n"}));
+                      "tavlo: " + path("VideoListAPI") +
+                          " cannot be printed: its contents take more than 67108864 bytes as text (what is shared "
+                          "counts each time); apps can read it all the same, and put-list replaces it\n"}));
   }
 }
 
@@ -137,7 +139,8 @@ TEST_F(CacheListCommandTest, ValueThatNoArchiveHoldsIsAFailure) {
   EXPECT_EQ(refused.exitCode, 1);
   EXPECT_EQ(refused.out, "");
   EXPECT_THAT(refused.err, testing::StartsWith("tavlo: VideoListAPI was not written: "));
-  EXPECT_THAT(refused.err, testing::EndsWith("; give a value that a keyed archive can hold\n"));
+  EXPECT_THAT(refused.err,
+              testing::EndsWith("; give a value that a keyed archive of at most 4194304 bytes can hold\n"));
 }
 
 TEST_F(CacheListCommandTest, NestingIsAsDeepAsInAnArchiveAndNoDeeper) {
@@ -165,6 +168,48 @@ TEST_F(CacheListCommandTest, DirectoryThatCannotBeMadeIsAFailureThatSaysWhy) {
                 "\ntavlo: VideoListAPI was not written: there is no cache directory for it, and none could "
                 "be made; the log says why; check the rights to the Documents directory and the free "
                 "space\n");
+}
+
+TEST_F(CacheListCommandTest, ArchivesThatAreTooLargeAreToldWithTheirPlaceAndTheLimit) {
+  EXPECT_EQ(
+      cache({"put-list", "video", "-"}, {.input = '"' + std::string(4'194'304, 'a') + '"'}),
+      (Result{1, "",
+              "tavlo: VideoListAPI was not written: 4194447 bytes; an archive of more than 4194304 is not written; "
+              "give a value that a keyed archive of at most 4194304 bytes can hold\n"}));
+  put("VideoListAPI", std::string(4'194'305, 'a'));
+  EXPECT_EQ(cache({"list", "video"}),
+            (Result{1, "",
+                    "tavlo: " + path("VideoListAPI") +
+                        ": 4194305 bytes; an archive of more than 4194304 is not read; write a new list with "
+                        "put-list, or remove this one\n"}));
+}
+
+TEST_F(CacheListCommandTest, NoDirectoryForTheListIsAbsentAndNothingIsCleared) {
+  std::filesystem::create_directories(container());
+  tavlo::test::writeFile(container() + "/Documents", "in the way");
+
+  EXPECT_EQ(
+      cache({"list", "video"}),
+      (Result{0, "(null)\n",
+              "tavlo: note: Couldn't create directory TavloCache error: Not a directory: " + directory() + "\n"}));
+}
+
+TEST_F(CacheListCommandTest, ListThatCannotBeReplacedIsAFailureWithoutANote) {
+  std::filesystem::create_directories(path("VideoListAPI/in the way"));
+
+  const Result refused = cache({"put-list", "video", "-"}, {.input = "[]"});
+
+  EXPECT_EQ(refused.exitCode, 1);
+  EXPECT_EQ(refused.out, "");
+  EXPECT_THAT(refused.err, testing::StartsWith("tavlo: VideoListAPI was not written: "));
+}
+
+TEST_F(CacheListCommandTest, NamesOfFieldsThatBeginWithADollarComeBackAsTheyWere) {
+  const std::string json = R"({"$class":"Ad","$fields":[["$class",1],["$$class",2],["$date",3],["$0",4],["",5]]})";
+
+  ASSERT_EQ(cache({"put-list", "video", "-"}, {.input = json}).exitCode, 0);
+
+  EXPECT_EQ(cache({"list", "video", "--json"}), (Result{0, json + "\n", ""}));
 }
 
 TEST_F(CacheListCommandTest, FileThatIsNotThereIsAFailure) {

@@ -86,7 +86,7 @@ TEST_F(CachedListsTest, ValueThatNoArchiveHoldsIsAnErrorBeforeAnythingIsTouched)
   const std::string error = errorOf(Value::list({Uid{.index = 7}}));
 
   EXPECT_THAT(error, testing::StartsWith("VideoListAPI was not written: "));
-  EXPECT_THAT(error, testing::EndsWith("; give a value that a keyed archive can hold"));
+  EXPECT_THAT(error, testing::EndsWith("; give a value that a keyed archive of at most 4194304 bytes can hold"));
   EXPECT_THAT(platform_->writes, IsEmpty());
   EXPECT_THAT(log_->lines, IsEmpty());
 }
