@@ -1,6 +1,8 @@
 #include <memory>
 #include <new>
+#include <optional>
 #include <string>
+#include <string_view>
 
 #include "TavloUtility.h"
 #include "cache/CacheDirectory.h"
@@ -36,16 +38,21 @@ std::optional<std::string> fetched(Platform& platform, const Text& url) try {
   return std::nullopt;
 }
 
-void getAndSaveBannerImage(Platform& platform, const Text& url) try {
+// Whether the image was written; absent when there is no directory for it.
+std::optional<bool> written(Platform& platform, std::string_view data, std::string_view url) try {
+  platform::FileManager& files = platform.fileManager();
+  const Text path = pathInCacheDirectory(files, imageName(url));
+  if (!path) return std::nullopt;
+  return static_cast<bool>(files.writeToFileAtomically(data, path, Durable::contents));
+} catch (const std::bad_alloc&) {
+  return false;
+}
+
+void getAndSaveBannerImage(Platform& platform, const Text& url) {
   const auto data = fetched(platform, url);
   if (!data) return Logger::printLog(kNoData);
-  platform::FileManager& files = platform.fileManager();
-  const Text path = pathInCacheDirectory(files, imageName(*url));
-  if (!path) return;
-  const bool written = static_cast<bool>(files.writeToFileAtomically(*data, path, Durable::contents));
-  Logger::printLog(written ? kWritten : kNotWritten);
-} catch (const std::bad_alloc&) {
-  Logger::printLog(kNotWritten);
+  const auto isWritten = written(platform, *data, *url);
+  if (isWritten) Logger::printLog(*isWritten ? kWritten : kNotWritten);
 }
 
 }  // namespace
