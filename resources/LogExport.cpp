@@ -15,6 +15,9 @@ constexpr std::string_view kDocuments = "Documents Directory: ";  // to the cons
 constexpr std::string_view kExported = "Log file is created";     // whether or not a menu appeared
 constexpr std::string_view kFileManagerUrl = "File Manager://";   // no URL for a strict parser
 
+// Keeps the controller of the latest export while its menu may be on screen.
+Slot<platform::DocumentInteractionController>& doct() { return processSlot<platform::DocumentInteractionController>(); }
+
 }  // namespace
 
 void TavloUtility::getExportTavloSDKLog(platform::ViewController* viewController) {
@@ -29,7 +32,7 @@ void TavloUtility::getExportTavloSDKLog(platform::ViewController* viewController
   const Text url = fileUrl(path);
   if (!url) return;
   const auto controller = platform->sharedApplication().interactionControllerWithURL(*url);
-  processSlot<platform::DocumentInteractionController>().store(controller);
+  doct().store(controller);
   const auto view = viewController ? viewController->view() : nullptr;
   static_cast<void>(controller->presentOpenInMenuFromRect(platform::Rect(), view, true));
   Logger::printLog(kExported);

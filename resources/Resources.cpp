@@ -22,37 +22,41 @@ constexpr std::string_view kGettingImage = "Calling Get volume Image first time"
 constexpr std::string_view kBundleName = "TavloSDKResource.bundle";
 constexpr std::string_view kImageType = "png";
 
-// The slot is empty until a bundle could be opened, and never again.
+// Empty until a bundle could be opened, and never again.
+Slot<Bundle>& resourceBundle() { return processSlot<Bundle>(); }
+
+// The last one that was loaded, whichever it is. It is no cache: nothing here reads it.
+Slot<const Image>& closeImage() { return processSlot<const Image>(); }
+
 void loadBundle() {
   Logger::printLog(kLoading);
   const auto platform = platform::current();
   platform::Bundles& bundles = platform->bundles();
   const Text path = appendedPathComponent(bundles.mainBundleResourcePath(), kBundleName);
-  if (auto bundle = bundles.bundleWithPath(path)) processSlot<Bundle>().store(std::move(bundle));
+  if (auto bundle = bundles.bundleWithPath(path)) resourceBundle().store(std::move(bundle));
   std::string line(kLoaded);
   appendText(line, path);
   Logger::printLog(line);
 }
 
-// The slot of the last image is no cache: nothing here reads it.
 std::shared_ptr<const Image> soundImage(std::string_view name) {
   Logger::printLog(kGettingImage);
   const auto bundle = TavloUtility::frameworkBundle();
   const Text path = bundle ? bundle->pathForResourceOfType(name, kImageType) : std::nullopt;
   auto image = platform::current()->images().imageWithContentsOfFile(path);
-  processSlot<const Image>().store(image);
+  closeImage().store(image);
   return image;
 }
 
 }  // namespace
 
 std::shared_ptr<Bundle> TavloUtility::frameworkBundle() {
-  if (auto bundle = processSlot<Bundle>().load()) {
+  if (auto bundle = resourceBundle().load()) {
     Logger::printLog(kAlreadyLoaded);
     return bundle;
   }
   loadBundle();
-  return processSlot<Bundle>().load();
+  return resourceBundle().load();
 }
 
 std::shared_ptr<const Image> TavloUtility::getVolumeImage() { return soundImage("volume"); }
