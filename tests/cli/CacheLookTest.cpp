@@ -146,5 +146,13 @@ TEST_F(CacheLookTest, ExplainTellsWhyNamesEndAsTheyDo) {
                                  "banner is looked up as    (null)\n"));
 }
 
+TEST_F(CacheLookTest, NameThatIsTooLongForAFileIsOneThatIsMissing) {
+  const Result explained = cache({"explain", "http://h/a." + std::string(300, 'x'), "--json"});
+
+  EXPECT_EQ(explained.exitCode, 0);
+  EXPECT_EQ(explained.err, "");
+  EXPECT_THAT(explained.out, testing::HasSubstr(std::string(300, 'x') + "\",\"exists\":false}"));
+}
+
 }  // namespace
 }  // namespace tavlo::cli::test
