@@ -147,6 +147,8 @@ TEST_F(CacheLookTest, ExplainTellsWhyNamesEndAsTheyDo) {
 }
 
 TEST_F(CacheLookTest, NameThatIsTooLongForAFileIsOneThatIsMissing) {
+  std::filesystem::create_directories(directory());
+
   const Result explained = cache({"explain", "http://h/a." + std::string(300, 'x'), "--json"});
 
   EXPECT_EQ(explained.exitCode, 0);
