@@ -35,7 +35,7 @@ class CertificateAuthorities : public testing::Test {
     if (child == 0) {
       if (!putInPlaceOfTheSystems()) ::_exit(kNotAllowed);
       LinuxUrlData data({}, certificateAuthorities);
-      ::_exit(data.dataWithContentsOfUrl(server_.url("https://localhost:{unknown}/length")) ? kData : kNone);
+      ::_exit(data.dataWithContentsOfUrl(server_.url("https://127.0.0.1:{unknown}/length")) ? kData : kNone);
     }
     int status = 0;
     EXPECT_EQ(::waitpid(child, &status, 0), child);
