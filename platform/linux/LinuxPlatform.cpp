@@ -6,6 +6,7 @@
 #include <system_error>
 #include <utility>
 
+#include "common/Utf8.h"
 #include "platform/linux/Container.h"
 #include "platform/linux/LinuxBundles.h"
 #include "platform/linux/LinuxFileManager.h"
@@ -28,6 +29,15 @@ Text resourcesOf(const Options& options, const std::optional<Container>& contain
   return container ? Text(container->resources().native()) : std::nullopt;
 }
 
+std::shared_ptr<platform::LocationServices> locationServicesOf(const Options& options,
+                                                               const std::optional<Container>& container) {
+  if (options.locationServices) return options.locationServices;
+  LocationOptions location = options.location;
+  const std::string& domain = container ? container->domain() : options.domain;
+  if (location.desktopId.empty() && isUtf8(domain)) location.desktopId = domain;
+  return makeDesktopLocation(location);
+}
+
 class LinuxPlatform final : public platform::Platform {
  public:
   LinuxPlatform(std::optional<Container> container, const Options& options)
@@ -36,7 +46,7 @@ class LinuxPlatform final : public platform::Platform {
         workers_(options.downloads.workers),
         urlData_(std::make_shared<LinuxUrlData>(options.downloads, options.certificateAuthorities)),
         bundles_(resourcesOf(options, container_)),
-        locationServices_(options.locationServices),
+        locationServices_(locationServicesOf(options, container_)),
         geocoder_(options.geocoder) {}
 
   platform::UserDefaults& standardUserDefaults() override {
@@ -103,6 +113,7 @@ void check(const std::string& option, const std::optional<std::filesystem::path>
 
 std::shared_ptr<platform::Platform> make(const Options& options) {
   check(options.downloads);
+  check(options.location);
   check("certificateAuthorities", options.certificateAuthorities);
   check("resources", options.resources);
   return std::make_shared<LinuxPlatform>(Container::locate(options.container, options.domain), options);

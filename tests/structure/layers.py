@@ -32,6 +32,7 @@ LIBRARIES = {
     "libcurl": (r"curl/.+", "platform/linux"),
     "libpng": (r"png\.h", "platform/linux"),
     "GLib": (r"glib\.h", "platform/linux"),
+    "GIO": (r"gio/gio\.h", "platform/linux"),
     "libgeoclue": (r"geoclue\.h", "platform/linux"),
     "geocode-glib": (r"geocode-glib/.+", "platform/linux"),
     "SQLite": (r"sqlite3\.h", "host"),

@@ -54,7 +54,7 @@ class RecordingReporter final : public TavloException {
 
 // A session package with every text absent until it is given. Each read is recorded, and told to `onRead`
 // before it is answered.
-class RecordingPackage final : public TavloPackage {
+class RecordingPackage : public TavloPackage {
  public:
 #define TAVLO_OVERRIDE(name) \
   Text name() const override { return read(PackageText::name); }

@@ -1,0 +1,24 @@
+#include "platform/linux/GLibCalls.h"
+
+#include <utility>
+
+namespace tavlo::linux_platform {
+
+gpointer kept(Answer answer) { return new Answer(std::move(answer)); }
+
+void answered(GObject* /*source*/, GAsyncResult* result, gpointer data) {
+  const std::unique_ptr<Answer> answer(static_cast<Answer*>(data));
+  try {
+    (*answer)(result);
+  } catch (...) {  // there is no one to tell
+  }
+}
+
+void connectToSystemBus(GCancellable* cancellable, Answer answer) {
+  const Chars address(g_dbus_address_get_for_bus_sync(G_BUS_TYPE_SYSTEM, nullptr, nullptr));
+  const int flags = G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT | G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION;
+  g_dbus_connection_new_for_address(address ? address.get() : "", static_cast<GDBusConnectionFlags>(flags), nullptr,
+                                    cancellable, answered, kept(std::move(answer)));
+}
+
+}  // namespace tavlo::linux_platform
