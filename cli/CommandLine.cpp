@@ -4,16 +4,17 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <functional>
 #include <string_view>
 #include <utility>
 
+#include "cli/ArgumentNames.h"
 #include "cli/CacheCommandLine.h"
 #include "cli/CacheHelpTexts.h"
 #include "cli/Errors.h"
 #include "cli/HelpTexts.h"
-#include "cli/Named.h"
+#include "cli/ServiceCommandLine.h"
+#include "cli/ServiceHelpTexts.h"
 
 namespace tavlo::cli {
 namespace {
@@ -41,26 +42,6 @@ std::optional<std::string> textOf(const CLI::Option& option) {
   return option.count() == 0 ? std::nullopt : std::optional(unmarked(option.results().front()));
 }
 
-constexpr auto kIdentifierNames = std::to_array<Named<Identifier>>({
-    {"app", Identifier::app},
-    {"optional", Identifier::optional},
-    {"security", Identifier::security},
-    {"ApplicationId", Identifier::app},
-    {"OptionalId", Identifier::optional},
-    {"SecurityKey", Identifier::security},
-});
-constexpr auto kFormatNames = std::to_array<Named<ContractFormat>>(
-    {{"table", ContractFormat::table}, {"json", ContractFormat::json}, {"markdown", ContractFormat::markdown}});
-constexpr auto kColorNames =
-    std::to_array<Named<Color>>({{"auto", Color::automatic}, {"always", Color::always}, {"never", Color::never}});
-
-std::int64_t countOf(const std::string& text) {
-  std::int64_t count = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), count);
-  if (error == std::errc() && end == text.data() + text.size() && count >= 1) return count;
-  throw UsageError("COUNT \"" + text + "\" is no integer from 1 to 9223372036854775807");
-}
-
 // The program's commands and options, and what each means once the arguments are read.
 class Parser {
  public:
@@ -75,6 +56,7 @@ class Parser {
     addContract();
     addEvents();
     addCache();
+    for (const ServiceCommandRow& row : serviceCommands()) addService(row);
     addMaker(addCommand(root_, "use", help::kUse, help::kUseFooter), [] { return RecordUse{}; });
     addMaker(addCommand(root_, "demo", help::kDemo, help::kDemoFooter), [] { return Demo{}; });
   }
@@ -251,6 +233,28 @@ class Parser {
         return row.make(words);
       });
     }
+  }
+
+  void addService(const ServiceCommandRow& row) {
+    CLI::App& parent = row.group ? *root_.get_subcommand(row.group) : root_;
+    CLI::App& command = addCommand(parent, row.name, row.description, row.footer);
+    std::vector<const CLI::Option*> options;
+    for (const OptionRow& option : row.options) {
+      if (!option.name) continue;
+      CLI::Option& added =
+          option.type ? *command.add_option(option.name)->type_name(option.type) : *command.add_flag(option.name);
+      options.push_back(added.description(option.description));
+    }
+    const CLI::Option* argument = nullptr;
+    if (row.argument.name) argument = &addArgument(command, row.argument.name, row.argument.description);
+    addMaker(command, [&row, options, argument] {
+      Given given;
+      if (argument) given.word = *textOf(*argument);
+      for (const CLI::Option* option : options) {
+        if (const auto text = textOf(*option)) given.options.emplace(option->get_name(), *text);
+      }
+      return row.make(given);
+    });
   }
 
   [[nodiscard]] Globals globals() const {

@@ -1,6 +1,7 @@
 // CommandLine: what the arguments of the program ask for, as plain values.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -10,6 +11,7 @@
 
 #include "cli/Output.h"
 #include "host/CachedLists.h"
+#include "platform/Location.h"
 #include "request/Contracts.h"
 
 namespace tavlo::cli {
@@ -98,10 +100,25 @@ struct DeleteCached {
 };
 struct ClearCache {};
 
+inline constexpr std::chrono::seconds kPatience{10};
+inline constexpr std::chrono::seconds kPatienceToWait{60};  // for a person, too
+
+struct Locate {
+  std::optional<platform::Coordinate> fixed;
+  std::optional<std::string> service;  // the geocoder's base URL
+  std::optional<std::string> table;    // or a file of places, "-" for standard input
+  std::optional<std::string> save;     // a session file
+  bool wait = false;
+  bool why = false;
+  std::chrono::seconds patience = kPatience;
+};
+
+enum class SoundImage : std::uint8_t { volume, mute };
+
 using Command =
     std::variant<Help, MakeRequest, GetIdentifier, SetIdentifier, ShowIdentifiers, TransformTexts, PrintContract,
                  AddEvent, ListEvents, ClearEvents, RecordUse, Demo, LookUpInCache, FetchBanners, ExplainUrl,
-                 ListCacheEntries, PrintCachedList, PutCachedList, SortList, DeleteCached, ClearCache>;
+                 ListCacheEntries, PrintCachedList, PutCachedList, SortList, DeleteCached, ClearCache, Locate>;
 
 struct Invocation {
   Globals globals;

@@ -37,5 +37,6 @@ void execute(const PutCachedList& command, const Run& run);
 void execute(const SortList& command, const Run& run);
 void execute(const DeleteCached& command, const Run& run);
 void execute(const ClearCache& command, const Run& run);
+void execute(const Locate& command, const Run& run);
 
 }  // namespace tavlo::cli

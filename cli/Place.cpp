@@ -7,7 +7,6 @@
 
 #include "cli/Errors.h"
 #include "host/Host.h"
-#include "platform/linux/LinuxPlatform.h"
 #include "platform/linux/SettingsFile.h"
 
 namespace tavlo::cli {
@@ -37,9 +36,11 @@ linux_platform::Container locate(const Globals& globals) {
 
 Place::Place(const Globals& globals) : quiet_(globals.quiet), container_(locate(globals)) {}
 
-std::shared_ptr<platform::Platform> Place::makePlatform() const {
-  return linux_platform::make(
-      {.container = container_.folder(), .domain = container_.domain(), .quietConsole = quiet_});
+std::shared_ptr<platform::Platform> Place::makePlatform(linux_platform::Options outside) const {
+  outside.container = container_.folder();
+  outside.domain = container_.domain();
+  outside.quietConsole = quiet_;
+  return linux_platform::make(outside);
 }
 
 void Place::requireReadableSettings() const {

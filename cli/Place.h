@@ -11,6 +11,7 @@
 #include "host/Database.h"
 #include "platform/Platform.h"
 #include "platform/linux/Container.h"
+#include "platform/linux/LinuxPlatform.h"
 
 namespace tavlo::cli {
 
@@ -22,8 +23,9 @@ class Place {
   [[nodiscard]] std::filesystem::path folder() const { return container_.folder(); }
   [[nodiscard]] std::filesystem::path settingsFile() const { return container_.settingsFile(); }
 
-  // A platform of the container, as a program that starts anew has it.
-  [[nodiscard]] std::shared_ptr<platform::Platform> makePlatform() const;
+  // A platform of the container, as a program that starts anew has it. Of `outside` counts what is no part of a place:
+  // the services.
+  [[nodiscard]] std::shared_ptr<platform::Platform> makePlatform(linux_platform::Options outside = {}) const;
 
   // Settings that are missing are empty, damaged ones too; those that cannot be read at all must not pass for
   // either. Throws Failure.

@@ -3,13 +3,11 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <functional>
 #include <limits>
 #include <utility>
 
-#include "cli/Errors.h"
 #include "cli/Input.h"
-#include "cli/Json.h"
+#include "cli/JsonReader.h"
 #include "request/PackageReads.h"
 
 namespace tavlo::cli {
@@ -17,67 +15,24 @@ namespace {
 
 using Kind = JsonNode::Kind;
 
-std::string_view nameOf(Kind kind) {
-  switch (kind) {
-    case Kind::null: return "null";
-    case Kind::boolean: return "a truth value";
-    case Kind::integer: return "an integer";
-    case Kind::real: return "a real number";
-    case Kind::text: return "a text";
-    case Kind::list: return "a list";
-    case Kind::object: return "an object";
-  }
-  return {};
-}
-
 // Reads one document into one session. A path names a value: "package.age", "trackerRecords[2].count".
-class Reader {
+class Reader : private JsonReader {
  public:
-  explicit Reader(const std::string& file) : file_(file) {}
+  using JsonReader::JsonReader;
 
   [[nodiscard]] Session read(const JsonNode& document);
 
  private:
-  // Takes a member's value in. False: there is no such member.
-  using TakeMember = std::function<bool(const JsonMember& member, const std::string& path)>;
-
-  [[noreturn]] void fail(std::size_t line, const std::string& path, const std::string& what) const {
-    throw Failure(file_ + ":" + std::to_string(line) + ": " + (path.empty() ? "" : path + ": ") + what);
-  }
-  [[noreturn]] void failKind(const JsonNode& node, const std::string& path, const std::string& expected) const {
-    fail(node.line, path, "expected " + expected + ", got " + std::string(nameOf(node.kind)));
-  }
-
-  void readObject(const JsonNode& node, const std::string& path, std::string_view members, const TakeMember& take);
   void readPackage(const JsonNode& node, const std::string& path, Session& session);
   void readCounters(const JsonNode& node, const std::string& path, UserCounters& counters);
   void readRecords(const JsonNode& node, const std::string& path, Session& session);
   void readIdentifiers(const JsonNode& node, const std::string& path, Session& session);
 
   [[nodiscard]] host::TrackerEvent recordOf(const JsonNode& node, const std::string& path);
-  [[nodiscard]] Text textOf(const JsonNode& node, const std::string& path) const;
   [[nodiscard]] bool truthOf(const JsonNode& node, const std::string& path) const;
   [[nodiscard]] std::int32_t integerOf(const JsonNode& node, const std::string& path) const;
   [[nodiscard]] std::optional<Value> textOrNumberOf(const JsonNode& node, const std::string& path) const;
-
-  const std::string& file_;
 };
-
-// `members` says in an error which ones there are.
-void Reader::readObject(const JsonNode& node, const std::string& path, std::string_view members,
-                        const TakeMember& take) {
-  if (node.kind != Kind::object) failKind(node, path, "an object");
-  for (auto member = node.members.begin(); member != node.members.end(); ++member) {
-    const std::string memberPath = (path.empty() ? "" : path + ".") + (member->key.empty() ? "\"\"" : member->key);
-    const auto isTheSame = [&](const JsonMember& other) { return other.key == member->key; };
-    if (const auto first = std::find_if(node.members.begin(), member, isTheSame); first != member) {
-      fail(member->line, memberPath, "expected once, first given in line " + std::to_string(first->line));
-    }
-    if (!take(*member, memberPath)) {
-      fail(member->line, memberPath, "unknown key, expected " + std::string(members));
-    }
-  }
-}
 
 Session Reader::read(const JsonNode& document) {
   Session session;
@@ -178,12 +133,6 @@ void Reader::readIdentifiers(const JsonNode& node, const std::string& path, Sess
   readObject(node, path, "ApplicationId, OptionalId or SecurityKey", take);
 }
 
-Text Reader::textOf(const JsonNode& node, const std::string& path) const {
-  if (node.kind == Kind::null) return std::nullopt;
-  if (node.kind != Kind::text) failKind(node, path, "a text or null");
-  return *node.scalar.ifText();
-}
-
 bool Reader::truthOf(const JsonNode& node, const std::string& path) const {
   if (node.kind == Kind::null) return false;
   if (node.kind != Kind::boolean) failKind(node, path, "true, false or null");
@@ -212,11 +161,7 @@ std::optional<Value> Reader::textOrNumberOf(const JsonNode& node, const std::str
 }  // namespace
 
 Session parseSession(std::string_view document, const std::string& name) {
-  try {
-    return Reader(name).read(parseJson(document));
-  } catch (const JsonError& error) {
-    throw Failure(name + ":" + std::to_string(error.line()) + ": " + error.what());
-  }
+  return Reader(name).read(parseJsonOf(name, document));
 }
 
 Session readSessionFile(const std::string& path) {

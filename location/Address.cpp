@@ -10,21 +10,6 @@ namespace {
 
 using platform::Placemark;
 
-struct Member {
-  std::string_view key;
-  Text Placemark::*field;
-};
-
-// "locality" is the sub-locality, and "city" the locality; that is deliberate.
-constexpr auto kMembers = std::to_array<Member>({
-    {"state", &Placemark::administrativeArea},
-    {"locality", &Placemark::subLocality},
-    {"area", &Placemark::thoroughfare},
-    {"pin", &Placemark::postalCode},
-    {"city", &Placemark::locality},
-    {"country", &Placemark::country},
-});
-
 struct Escape {
   char32_t codePoint;
   std::string_view text;
@@ -69,7 +54,7 @@ void appendString(std::string& out, std::string_view text) {
 
 std::string addressJson(const Placemark* placemark) {
   std::string json = "{";
-  for (const auto& [key, field] : kMembers) {
+  for (const auto& [key, fieldName, field] : kAddressMembers) {
     if (!placemark || !(placemark->*field)) continue;
     if (json.size() > 1) json += ',';
     appendString(json, key);

@@ -1,0 +1,87 @@
+#include "cli/ServiceCommandLine.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstdint>
+#include <utility>
+
+#include "cli/Named.h"
+#include "cli/ServiceHelpTexts.h"
+#include "host/TableGeocoder.h"
+
+namespace tavlo::cli {
+namespace {
+
+constexpr std::string_view kTable = "table:";
+
+constexpr auto kImages = std::to_array<Named<SoundImage>>({{"volume", SoundImage::volume}, {"mute", SoundImage::mute}});
+
+template <class Number>
+bool readsWhole(std::string_view text, Number& number) {
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  return error == std::errc() && end == text.data() + text.size();
+}
+
+platform::Coordinate coordinateOf(const std::string& text) {
+  const auto comma = std::min(text.find(','), text.size());
+  const std::string_view latitude = std::string_view(text).substr(0, comma);
+  const std::string_view longitude = std::string_view(text).substr(std::min(comma + 1, text.size()));
+  platform::Coordinate coordinate;
+  if (readsWhole(latitude, coordinate.latitude) && readsWhole(longitude, coordinate.longitude) &&
+      host::TableGeocoder::isOnEarth(coordinate)) {
+    return coordinate;
+  }
+  throw UsageError("LAT,LON \"" + text + "\" is no position: give degrees from -90 to 90, a comma, and degrees from " +
+                   "-180 to 180, like 52.52,13.405");
+}
+
+std::int64_t integerOf(const char* name, const std::string& text, std::int64_t most) {
+  std::int64_t number = 0;
+  if (readsWhole(text, number) && number >= 1 && number <= most) return number;
+  throw UsageError(std::string(name) + " \"" + text + "\" is no integer from 1 to " + std::to_string(most));
+}
+
+void takeGeocoder(const std::string& text, Locate& locate) {
+  if (text.starts_with(kTable) && text.size() > kTable.size()) {
+    locate.table = text.substr(kTable.size());
+  } else if (text.starts_with("https://") || text.starts_with("http://")) {
+    locate.service = text;
+  } else {
+    throw UsageError("the geocoder \"" + text + "\" is neither an http or https URL nor table:FILE");
+  }
+}
+
+Command makeLocate(const Given& given) {
+  constexpr std::int64_t kMostSeconds = 3600;
+  Locate locate;
+  locate.wait = given.has("--wait");
+  locate.why = given.has("--why");
+  locate.save = given.text("--save");
+  if (locate.save && (locate.save->empty() || *locate.save == "-")) throw UsageError("--save takes the name of a file");
+  if (const auto text = given.text("--fixed")) locate.fixed = coordinateOf(*text);
+  if (const auto text = given.text("--geocoder")) takeGeocoder(*text, locate);
+  if (locate.wait) locate.patience = kPatienceToWait;
+  if (const auto text = given.text("--timeout")) {
+    locate.patience = std::chrono::seconds(integerOf("SECONDS", *text, kMostSeconds));
+  }
+  return locate;
+}
+
+constexpr auto kRows = std::to_array<ServiceCommandRow>({
+    {.name = "locate",
+     .description = help::kLocate,
+     .footer = help::kLocateFooter,
+     .options = {{{"--fixed", "LAT,LON", "A position in degrees in place of the device's"},
+                  {"--geocoder", "URL|table:FILE", "A Nominatim-compatible service, or a table of places"},
+                  {"--wait", nullptr, "Ask for permission, and wait for a position"},
+                  {"--why", nullptr, "How each step was decided, too"},
+                  {"--save", "FILE", "Keep position and address in this session file"},
+                  {"--timeout", "SECONDS", "To wait at most, 1 to 3600: 10 when not given, 60 with --wait"}}},
+     .make = makeLocate},
+});
+
+}  // namespace
+
+std::span<const ServiceCommandRow> serviceCommands() { return kRows; }
+
+}  // namespace tavlo::cli
