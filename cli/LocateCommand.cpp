@@ -25,6 +25,7 @@ namespace {
 
 linux_platform::Options outsideOf(const Locate& command) {
   linux_platform::Options outside;
+  outside.location.authorization = command.patience;
   if (command.fixed) outside.locationServices = std::make_shared<host::FixedPosition>(*command.fixed);
   if (command.service) throw Failure("this program has no geocoder service; give a table of places with table:FILE");
   if (command.table) {

@@ -25,11 +25,15 @@ constexpr auto kStatuses = std::to_array<StatusRow>({
     {platform::kCLAuthorizationStatusAuthorizedAlways, "allowed always", ""},
     {platform::kCLAuthorizationStatusAuthorizedWhenInUse, "allowed while the app is in use", ""},
 });
+constexpr StatusRow kNobodyAnswered{platform::kCLAuthorizationStatusNotDetermined,
+                                    "nobody answered when it was asked for",
+                                    "check that the position service and the agent that asks the user run"};
 constexpr StatusRow kUnknownStatus{-1, "no number that is known", "check the platform"};
 
 constexpr std::string_view kServicesRemedy = "switch location services on, or give a position with --fixed LAT,LON";
 
-const StatusRow& rowOf(std::int32_t status) {
+const StatusRow& rowOf(std::int32_t status, bool isAsked) {
+  if (isAsked && status == kNobodyAnswered.status) return kNobodyAnswered;
   const auto isOfStatus = [status](const StatusRow& row) { return row.status == status; };
   const auto* const row = std::find_if(kStatuses.begin(), kStatuses.end(), isOfStatus);
   return row == kStatuses.end() ? kUnknownStatus : *row;
@@ -41,8 +45,8 @@ std::string joined(std::string_view first, std::string_view second) {
   return text;
 }
 
-std::string permissionText(std::int32_t status, bool isFixed) {
-  const StatusRow& row = rowOf(status);
+std::string permissionText(std::int32_t status, bool isAsked, bool isFixed) {
+  const StatusRow& row = rowOf(status, isAsked);
   std::string text = std::to_string(status);
   text.append(": ").append(isFixed ? "--fixed needs no permission" : row.meaning);
   if (!isAllowed(status)) text.append("; nothing is fetched");
@@ -92,7 +96,7 @@ std::vector<LocationStep> locationSteps(const LocationReport& report, bool isFix
   std::vector<LocationStep> steps;
   steps.push_back({.step = "services", .what = report.enabled ? "on" : "off; nothing is fetched"});
   if (!report.enabled || !report.status) return steps;
-  steps.push_back({.step = "permission", .what = permissionText(*report.status, isFixed)});
+  steps.push_back({.step = "permission", .what = permissionText(*report.status, report.isAsked, isFixed)});
   if (report.positions.empty()) return steps;
   const auto& position = report.positions.front();
   steps.push_back({.step = "position",
@@ -108,7 +112,7 @@ std::vector<LocationStep> locationSteps(const LocationReport& report, bool isFix
 std::string whyNoPosition(const LocationReport& report) {
   if (!report.enabled) return joined("location services are off; ", kServicesRemedy);
   if (!report.status) return joined("the permission was not read; ", kServicesRemedy);
-  const StatusRow& row = rowOf(*report.status);
+  const StatusRow& row = rowOf(*report.status, report.isAsked);
   std::string text = "the permission is " + std::to_string(*report.status);
   text.append(", ").append(row.meaning);
   if (!row.remedy.empty()) text.append("; ").append(row.remedy).append(", or give a position with --fixed LAT,LON");

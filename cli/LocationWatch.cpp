@@ -197,6 +197,7 @@ LocationWatch::LocationWatch(std::shared_ptr<platform::Platform> real)
 LocationWatch::~LocationWatch() = default;
 
 WaitEnd LocationWatch::askPermission(const Patience& patience) {
+  board_->note([](Board::Seen& seen) { seen.report.isAsked = true; });
   real_->locationServices().requestAuthorization([board = board_](std::int32_t status) {
     board->note([&](Board::Seen& seen) {
       seen.report.status = status;

@@ -18,6 +18,7 @@ namespace tavlo::cli {
 
 // What a fetch met so far.
 struct LocationReport {
+  bool isAsked = false;  // the user was, for permission
   bool enabled = false;
   std::optional<std::int32_t> status;                        // absent: not read, since the services are off
   std::vector<std::optional<platform::Location>> positions;  // each time that it was read

@@ -77,6 +77,19 @@ INSTANTIATE_TEST_SUITE_P(
                    "LAT,LON"}),
     test::kCaseName);
 
+TEST(LocationSteps, PermissionThatWasAskedForInVainHasAnotherRemedy) {
+  LocationReport report;
+  report.enabled = true;
+  report.isAsked = true;
+  report.status = 0;
+
+  EXPECT_EQ(linesOf(report),
+            (Lines{"services: on", "permission: 0: nobody answered when it was asked for; nothing is fetched"}));
+  EXPECT_EQ(whyNoPosition(report),
+            "the permission is 0, nobody answered when it was asked for; check that the position service and the agent "
+            "that asks the user run, or give a position with --fixed LAT,LON");
+}
+
 TEST(LocationSteps, PositionThatIsNotKnownYetIsStoredAsZeros) {
   EXPECT_EQ(linesOf(lookedUp()),
             (Lines{"services: on", "permission: 4: allowed while the app is in use",
