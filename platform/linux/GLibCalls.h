@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <memory>
+#include <string>
 
 namespace tavlo::linux_platform {
 
@@ -36,6 +37,7 @@ class Failure {
 
   [[nodiscard]] GError** out() { return &error_; }
   [[nodiscard]] bool isRefusal() const { return g_error_matches(error_, G_DBUS_ERROR, G_DBUS_ERROR_ACCESS_DENIED); }
+  [[nodiscard]] std::string message() const;
 
  private:
   GError* error_ = nullptr;
@@ -51,6 +53,7 @@ void answered(GObject* source, GAsyncResult* result, gpointer data);
 
 // A connection of its own (the one that all of a process share ends the process when the bus ends). To be finished
 // with g_dbus_connection_new_for_address_finish().
+void connectToBus(const char* address, GCancellable* cancellable, Answer answer);
 void connectToSystemBus(GCancellable* cancellable, Answer answer);
 
 }  // namespace tavlo::linux_platform

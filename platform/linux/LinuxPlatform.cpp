@@ -8,6 +8,7 @@
 
 #include "common/Utf8.h"
 #include "platform/linux/Container.h"
+#include "platform/linux/DesktopApplication.h"
 #include "platform/linux/LinuxBundles.h"
 #include "platform/linux/LinuxFileManager.h"
 #include "platform/linux/LinuxUrlData.h"
@@ -46,6 +47,7 @@ class LinuxPlatform final : public platform::Platform {
         workers_(options.downloads.workers),
         urlData_(std::make_shared<LinuxUrlData>(options.downloads, options.certificateAuthorities)),
         bundles_(resourcesOf(options, container_)),
+        application_(options.onOpenInMenu),
         locationServices_(locationServicesOf(options, container_)),
         geocoder_(options.geocoder) {}
 
@@ -75,6 +77,7 @@ class LinuxPlatform final : public platform::Platform {
   platform::UrlData& urlData() override { return *urlData_; }
   platform::Bundles& bundles() override { return bundles_; }
   platform::Images& images() override { return images_; }
+  platform::Application& sharedApplication() override { return application_; }
 
   platform::LocationServices& locationServices() override {
     return locationServices_ ? *locationServices_ : Platform::locationServices();
@@ -98,6 +101,7 @@ class LinuxPlatform final : public platform::Platform {
   std::optional<WorkerQueue> queue_;
   LinuxBundles bundles_;
   PngImages images_;
+  DesktopApplication application_;
   const std::shared_ptr<platform::LocationServices> locationServices_;
   const std::shared_ptr<platform::Geocoder> geocoder_;
 };

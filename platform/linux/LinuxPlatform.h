@@ -6,7 +6,7 @@
 //
 // Values   see Options. Nothing is read or made on disk before the first service that needs it is used.
 //          The background queue is a WorkerQueue.h, URL data is a LinuxUrlData.h, bundles are a LinuxBundles.h and
-//          images a PngImages.h.
+//          images a PngImages.h, other apps a DesktopApplication.h.
 // Absent   when there is no place for a container (no container given, no XDG_DATA_HOME, no HOME, no entry
 //          in the password database) settings hold nothing and fail to synchronize, and there are no files, nor
 //          resources unless their folder is given.
@@ -27,6 +27,7 @@
 #include "platform/Platform.h"
 #include "platform/linux/DesktopLocation.h"
 #include "platform/linux/DownloadLimits.h"
+#include "platform/linux/MenuOutcome.h"
 
 namespace tavlo::linux_platform {
 
@@ -40,6 +41,7 @@ struct Options {
   LocationOptions location{};                                      // of the desktop's position service
   std::shared_ptr<platform::LocationServices> locationServices{};  // in place of the desktop's
   std::shared_ptr<platform::Geocoder> geocoder{};                  // in place of the platform's own
+  MenuHandler onOpenInMenu{};                                      // gets what becomes of open-in menus
 };
 
 [[nodiscard]] std::shared_ptr<platform::Platform> make(const Options& options = {});

@@ -33,6 +33,7 @@ LIBRARIES = {
     "libpng": (r"png\.h", "platform/linux"),
     "GLib": (r"glib\.h", "platform/linux"),
     "GIO": (r"gio/gio\.h", "platform/linux"),
+    "GIO for Unix": (r"gio/gunix.+", "platform/linux"),
     "libgeoclue": (r"geoclue\.h", "platform/linux"),
     "geocode-glib": (r"geocode-glib/.+", "platform/linux"),
     "SQLite": (r"sqlite3\.h", "host"),
