@@ -13,8 +13,8 @@ fs::path documentsFolder(const Place& place) { return place.folder() / "Document
 
 fs::path cacheFolder(const Place& place) { return documentsFolder(place) / kCacheDirectoryName; }
 
-CacheSession::CacheSession(const Run& run) : run_(run), place_(run.globals) {
-  platform::install(place_.makePlatform());
+CacheSession::CacheSession(const Run& run, const linux_platform::Options& outside) : run_(run), place_(run.globals) {
+  platform::install(place_.makePlatform(outside));
   Logger::install(std::make_shared<CacheLog>(documentsFolder(place_), [last = lastLine_](std::string_view line) {
     const std::lock_guard lock(last->mutex);
     last->text = line;

@@ -38,7 +38,7 @@ class CacheLog final : public Logger {
 
 class CacheSession {
  public:
-  explicit CacheSession(const Run& run);
+  explicit CacheSession(const Run& run, const linux_platform::Options& outside = {});
 
   [[nodiscard]] std::filesystem::path folder() const { return cacheFolder(place_); }
 

@@ -56,6 +56,7 @@ class Parser {
     addContract();
     addEvents();
     addCache();
+    addCommand(root_, "log", help::kLog, help::kLogFooter).require_subcommand(1);
     for (const ServiceCommandRow& row : serviceCommands()) addService(row);
     addMaker(addCommand(root_, "use", help::kUse, help::kUseFooter), [] { return RecordUse{}; });
     addMaker(addCommand(root_, "demo", help::kDemo, help::kDemoFooter), [] { return Demo{}; });

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -115,10 +116,21 @@ struct Locate {
 
 enum class SoundImage : std::uint8_t { volume, mute };
 
-using Command =
-    std::variant<Help, MakeRequest, GetIdentifier, SetIdentifier, ShowIdentifiers, TransformTexts, PrintContract,
-                 AddEvent, ListEvents, ClearEvents, RecordUse, Demo, LookUpInCache, FetchBanners, ExplainUrl,
-                 ListCacheEntries, PrintCachedList, PutCachedList, SortList, DeleteCached, ClearCache, Locate>;
+struct ShowImage {
+  SoundImage image = SoundImage::volume;
+  std::optional<std::string> out;  // a file that is made, "-" for standard output
+};
+
+struct ShowLog {
+  std::optional<std::size_t> last;  // lines; absent: all
+  bool follow = false;
+};
+struct ExportLog {};
+
+using Command = std::variant<Help, MakeRequest, GetIdentifier, SetIdentifier, ShowIdentifiers, TransformTexts,
+                             PrintContract, AddEvent, ListEvents, ClearEvents, RecordUse, Demo, LookUpInCache,
+                             FetchBanners, ExplainUrl, ListCacheEntries, PrintCachedList, PutCachedList, SortList,
+                             DeleteCached, ClearCache, Locate, ShowImage, ShowLog, ExportLog>;
 
 struct Invocation {
   Globals globals;

@@ -38,5 +38,8 @@ void execute(const SortList& command, const Run& run);
 void execute(const DeleteCached& command, const Run& run);
 void execute(const ClearCache& command, const Run& run);
 void execute(const Locate& command, const Run& run);
+void execute(const ShowImage& command, const Run& run);
+void execute(const ShowLog& command, const Run& run);
+void execute(const ExportLog& command, const Run& run);
 
 }  // namespace tavlo::cli

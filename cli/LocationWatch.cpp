@@ -1,29 +1,15 @@
 #include "cli/LocationWatch.h"
 
-#include <poll.h>
-#include <sys/eventfd.h>
-#include <unistd.h>
-
-#include <algorithm>
-#include <array>
-#include <cerrno>
+#include <functional>
 #include <mutex>
-#include <system_error>
 #include <utility>
 
 #include "TavloUtility.h"
-#include "cli/Errors.h"
 
 namespace tavlo::cli {
 namespace {
 
 using platform::Location;
-
-int pollTimeout(std::chrono::steady_clock::time_point until) {
-  constexpr std::chrono::milliseconds kLongest{60000};  // then it is looked at anew
-  const auto left = std::chrono::ceil<std::chrono::milliseconds>(until - std::chrono::steady_clock::now());
-  return static_cast<int>(std::clamp(left, std::chrono::milliseconds(0), kLongest).count());
-}
 
 }  // namespace
 
@@ -37,18 +23,10 @@ class LocationWatch::Board {
     std::optional<Location> fix;
   };
 
-  Board() : changed_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
-    if (changed_ < 0) throw Failure("cannot wait for answers: " + std::generic_category().message(errno));
-  }
-  Board(const Board&) = delete;
-  Board& operator=(const Board&) = delete;
-  ~Board() { ::close(changed_); }
-
   void note(const std::function<void(Seen&)>& change) {
     const std::lock_guard lock(mutex_);
     change(seen_);
-    const std::uint64_t one = 1;
-    static_cast<void>(::write(changed_, &one, sizeof one));
+    changed_.happen();
   }
 
   [[nodiscard]] Seen seen() const {
@@ -56,21 +34,15 @@ class LocationWatch::Board {
     return seen_;
   }
 
-  WaitEnd wait(const Patience& patience, const std::function<bool(const Seen&)>& isDone) const {
-    std::array<pollfd, 2> watched = {pollfd{.fd = changed_, .events = POLLIN, .revents = 0},
-                                     pollfd{.fd = patience.wakeUp, .events = POLLIN, .revents = 0}};
-    for (;;) {
-      if (isDone(seen())) return WaitEnd::done;
-      if (std::chrono::steady_clock::now() >= patience.until) return WaitEnd::timedOut;
-      if (::poll(watched.data(), watched.size(), pollTimeout(patience.until)) < 0) continue;  // a signal came
-      if (watched[1].revents != 0) return WaitEnd::interrupted;
-      std::uint64_t ignored = 0;
-      static_cast<void>(::read(changed_, &ignored, sizeof ignored));
+  WaitEnd wait(const Patience& patience, const std::function<bool(const Seen&)>& isDone) {
+    while (!isDone(seen())) {
+      if (const WaitEnd end = changed_.wait(patience); end != WaitEnd::done) return end;
     }
+    return WaitEnd::done;
   }
 
  private:
-  const int changed_;  // has something to read when something was noted
+  Event changed_;
   mutable std::mutex mutex_;
   Seen seen_;
 };

@@ -5,13 +5,12 @@
 // Throws   Failure when the system has no event to wait for.
 #pragma once
 
-#include <chrono>
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
 
+#include "cli/Event.h"
 #include "platform/Platform.h"
 
 namespace tavlo::cli {
@@ -27,14 +26,6 @@ struct LocationReport {
   bool isAnswered = false;                                   // it answered
   std::optional<platform::Placemarks> placemarks;
   Text error;
-};
-
-enum class WaitEnd : std::uint8_t { done, timedOut, interrupted };
-
-// How long to wait at most. `wakeUp` is a descriptor that has something to read when nothing is to be waited for.
-struct Patience {
-  std::chrono::steady_clock::time_point until;
-  int wakeUp;
 };
 
 class LocationWatch {

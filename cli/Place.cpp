@@ -36,6 +36,14 @@ linux_platform::Container locate(const Globals& globals) {
 
 Place::Place(const Globals& globals) : quiet_(globals.quiet), container_(locate(globals)) {}
 
+fs::path Place::resources() const {
+  std::error_code ignored;
+  const fs::path own = container_.folder() / "Resources";
+  if (fs::is_directory(own / kResourceBundleName, ignored)) return own;
+  const fs::path besideProgram = fs::read_symlink("/proc/self/exe", ignored).parent_path() / "Resources";
+  return fs::is_directory(besideProgram / kResourceBundleName, ignored) ? besideProgram : own;
+}
+
 std::shared_ptr<platform::Platform> Place::makePlatform(linux_platform::Options outside) const {
   outside.container = container_.folder();
   outside.domain = container_.domain();

@@ -15,6 +15,8 @@
 
 namespace tavlo::cli {
 
+inline constexpr const char* kResourceBundleName = "TavloSDKResource.bundle";
+
 class Place {
  public:
   // --container, else $TAVLO_CONTAINER, else the domain's folder among the user's data.
@@ -22,6 +24,9 @@ class Place {
 
   [[nodiscard]] std::filesystem::path folder() const { return container_.folder(); }
   [[nodiscard]] std::filesystem::path settingsFile() const { return container_.settingsFile(); }
+
+  // What holds the resource bundle: the container's Resources, or, when that has none, those beside the program.
+  [[nodiscard]] std::filesystem::path resources() const;
 
   // A platform of the container, as a program that starts anew has it. Of `outside` counts what is no part of a place:
   // the services.

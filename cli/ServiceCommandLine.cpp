@@ -67,6 +67,21 @@ Command makeLocate(const Given& given) {
   return locate;
 }
 
+Command makeImage(const Given& given) {
+  if (given.text("--out") == "") throw UsageError("--out takes the name of a file, or -");
+  return ShowImage{.image = named(kImages, given.word, "the image").value, .out = given.text("--out")};
+}
+
+Command makeTail(const Given& given) {
+  constexpr std::int64_t kMostLines = 1000000000;
+  constexpr std::size_t kUsualLines = 10;
+  ShowLog show{.last = kUsualLines, .follow = given.has("--follow")};
+  if (const auto text = given.text("--lines")) {
+    show.last = static_cast<std::size_t>(integerOf("COUNT", *text, kMostLines));
+  }
+  return show;
+}
+
 constexpr auto kRows = std::to_array<ServiceCommandRow>({
     {.name = "locate",
      .description = help::kLocate,
@@ -78,6 +93,29 @@ constexpr auto kRows = std::to_array<ServiceCommandRow>({
                   {"--save", "FILE", "Keep position and address in this session file"},
                   {"--timeout", "SECONDS", "To wait at most, 1 to 3600: 10 when not given, 60 with --wait"}}},
      .make = makeLocate},
+    {.name = "image",
+     .description = help::kImage,
+     .footer = help::kImageFooter,
+     .argument = {.name = "NAME", .description = "volume or mute"},
+     .options = {{{"--out", "FILE", "Write the PNG file's bytes to a new file, - for standard output"}}},
+     .make = makeImage},
+    {.group = "log",
+     .name = "show",
+     .description = help::kLogShow,
+     .footer = help::kLogShowFooter,
+     .make = [](const Given& /*given*/) -> Command { return ShowLog{}; }},
+    {.group = "log",
+     .name = "tail",
+     .description = help::kLogTail,
+     .footer = help::kLogTailFooter,
+     .options = {{{"--lines", "COUNT", "How many, 10 when not given"},
+                  {"--follow", nullptr, "Go on with what is added, until Ctrl-C"}}},
+     .make = makeTail},
+    {.group = "log",
+     .name = "export",
+     .description = help::kLogExport,
+     .footer = help::kLogExportFooter,
+     .make = [](const Given& /*given*/) -> Command { return ExportLog{}; }},
 });
 
 }  // namespace

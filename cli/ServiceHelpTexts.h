@@ -19,4 +19,39 @@ inline constexpr const char* kLocateFooter =
     "  tavlo locate --fixed 52.52,13.405 --geocoder table:examples/places.json --why\n"
     "  tavlo locate --wait --save here.json && tavlo request ad --session here.json";
 
+inline constexpr const char* kImage = "Show an image of the player's sound toggle: its size, its file, a preview.";
+inline constexpr const char* kImageFooter =
+    "The image is loaded as the SDK does, from TavloSDKResource.bundle in the container's\n"
+    "Resources, or, when there is none, in those beside the program. On a terminal a preview is\n"
+    "drawn, in half blocks with colours, or in characters where there are none. (null): there is no\n"
+    "such image. A file that is there is never overwritten.\n"
+    "\n"
+    "Example:\n"
+    "  tavlo image mute --out mute.png";
+
+inline constexpr const char* kLog = "Show the SDK's log file, and hand it to another app.";
+inline constexpr const char* kLogFooter =
+    "The log is CONTAINER/Documents/TavloCache/TavloLogFile.txt: one line a message, each with its\n"
+    "time. The SDK's operations write it, once the cache directory is there. Control characters\n"
+    "are shown as escapes. --json has each line's time and message.\n"
+    "\n"
+    "Example:\n"
+    "  tavlo log tail --lines 20";
+inline constexpr const char* kLogShow = "Print the whole log.";
+inline constexpr const char* kLogShowFooter = "Example:\n  tavlo log show --json";
+inline constexpr const char* kLogTail = "Print the last lines of the log.";
+inline constexpr const char* kLogTailFooter =
+    "--follow also notices when the log is replaced or made anew; Ctrl-C ends it, exit code 0.\n"
+    "\n"
+    "Example:\n"
+    "  tavlo log tail --follow";
+inline constexpr const char* kLogExport = "Let the user choose an app, and open the log in it.";
+inline constexpr const char* kLogExportFooter =
+    "The desktop's portal shows the menu of apps; the choice is waited for, until Ctrl-C. Prints\n"
+    "opened or cancelled. Exit code 1: no menu could be shown, or no app could open the log; the\n"
+    "error says why.\n"
+    "\n"
+    "Example:\n"
+    "  tavlo log export";
+
 }  // namespace tavlo::cli::help
