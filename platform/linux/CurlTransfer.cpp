@@ -137,10 +137,11 @@ int watchTls(CURL*, curl_infotype type, char* bytes, std::size_t size, void* res
 class Request {
  public:
   Request(const DownloadLimits& limits, const std::optional<std::filesystem::path>& certificateAuthorities,
-          const std::string& url)
+          const std::string& userAgent, const std::string& url)
       : response_(limits),
         easy_(curl_easy_init()),
         usable_(easy_ && set(CURLOPT_URL, url.c_str()) && setProtocol() && setLimits(limits) && setCallbacks() &&
+                set(CURLOPT_USERAGENT, userAgent.c_str()) &&
                 (!certificateAuthorities || trustOnly(*certificateAuthorities))) {}
 
   [[nodiscard]] bool isUsable() const { return usable_; }
@@ -173,8 +174,7 @@ class Request {
            set(CURLOPT_HTTP_VERSION, long{CURL_HTTP_VERSION_1_1}) && set(CURLOPT_HTTP09_ALLOWED, 0L) &&
            set(CURLOPT_FOLLOWLOCATION, 1L) && set(CURLOPT_FAILONERROR, 1L) && set(CURLOPT_PATH_AS_IS, 1L) &&
            set(CURLOPT_SSL_VERIFYPEER, 1L) && set(CURLOPT_SSL_VERIFYHOST, 2L) &&
-           set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L) && set(CURLOPT_USERAGENT, "TavloUtility") &&
-           set(CURLOPT_NOSIGNAL, 1L) && set(CURLOPT_QUICK_EXIT, 1L);
+           set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L) && set(CURLOPT_NOSIGNAL, 1L) && set(CURLOPT_QUICK_EXIT, 1L);
   }
 
   bool setLimits(const DownloadLimits& limits) {
@@ -204,13 +204,17 @@ class Request {
 
 class CurlTransfer final : public HttpTransfer {
  public:
-  CurlTransfer(const DownloadLimits& limits, std::optional<std::filesystem::path> certificateAuthorities)
-      : limits_(limits), certificateAuthorities_(std::move(certificateAuthorities)), multi_(curl_multi_init()) {
+  CurlTransfer(const DownloadLimits& limits, std::optional<std::filesystem::path> certificateAuthorities,
+               std::string userAgent)
+      : limits_(limits),
+        certificateAuthorities_(std::move(certificateAuthorities)),
+        userAgent_(std::move(userAgent)),
+        multi_(curl_multi_init()) {
     if (multi_) curl_multi_setopt(multi_.get(), CURLMOPT_MAXCONNECTS, kKeptConnections);
   }
 
   std::optional<std::string> fetch(const std::string& url) noexcept override {
-    Request request(limits_, certificateAuthorities_, url);
+    Request request(limits_, certificateAuthorities_, userAgent_, url);
     if (!multi_ || !request.isUsable()) return std::nullopt;
     if (curl_multi_add_handle(multi_.get(), request.handle()) != CURLM_OK) return std::nullopt;
     const bool succeeded = run(request) && request.isComplete();
@@ -248,6 +252,7 @@ class CurlTransfer final : public HttpTransfer {
 
   const DownloadLimits limits_;
   const std::optional<std::filesystem::path> certificateAuthorities_;
+  const std::string userAgent_;
   const std::unique_ptr<CURLM, MultiCleanup> multi_;
   std::atomic<bool> cancelled_ = false;
 };
@@ -255,9 +260,10 @@ class CurlTransfer final : public HttpTransfer {
 }  // namespace
 
 std::unique_ptr<HttpTransfer> makeHttpTransfer(const DownloadLimits& limits,
-                                               const std::optional<std::filesystem::path>& certificateAuthorities) {
+                                               const std::optional<std::filesystem::path>& certificateAuthorities,
+                                               const std::string& userAgent) {
   if (!libraryIsReady()) return nullptr;
-  return std::make_unique<CurlTransfer>(limits, certificateAuthorities);
+  return std::make_unique<CurlTransfer>(limits, certificateAuthorities, userAgent);
 }
 
 void prepareHttp() noexcept { static_cast<void>(libraryIsReady()); }

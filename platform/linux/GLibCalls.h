@@ -1,6 +1,6 @@
 // What calls of GLib need: owners of what it hands out, and callbacks that no exception leaves.
 //
-// Threads  all of it belongs to the thread of MainLoop.h.
+// Threads  what is asynchronous belongs to the thread of MainLoop.h; the owners to any one thread.
 #pragma once
 
 #include <gio/gio.h>

@@ -34,9 +34,13 @@ class HttpTransfer {
   virtual void cancel() noexcept = 0;
 };
 
+// How a transfer names itself to servers, in printable ASCII.
+inline constexpr const char* kUserAgent = "TavloUtility";
+
 // nullptr when the library is built without HTTP, or is out of resources.
 [[nodiscard]] std::unique_ptr<HttpTransfer> makeHttpTransfer(
-    const DownloadLimits& limits, const std::optional<std::filesystem::path>& certificateAuthorities);
+    const DownloadLimits& limits, const std::optional<std::filesystem::path>& certificateAuthorities,
+    const std::string& userAgent = kUserAgent);
 
 // Sets up what all transfers of the process share, once; the first transfer does so by itself. It registers
 // exit handlers, and what is registered later runs earlier.

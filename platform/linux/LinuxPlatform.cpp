@@ -39,6 +39,12 @@ std::shared_ptr<platform::LocationServices> locationServicesOf(const Options& op
   return makeDesktopLocation(location);
 }
 
+std::shared_ptr<platform::Geocoder> geocoderOf(const Options& options, const std::optional<Container>& container) {
+  if (options.geocoder) return options.geocoder;
+  return makeLinuxGeocoder(options.geocoding, container ? container->domain() : options.domain,
+                           options.certificateAuthorities);
+}
+
 class LinuxPlatform final : public platform::Platform {
  public:
   LinuxPlatform(std::optional<Container> container, const Options& options)
@@ -49,7 +55,7 @@ class LinuxPlatform final : public platform::Platform {
         bundles_(resourcesOf(options, container_)),
         application_(options.onOpenInMenu),
         locationServices_(locationServicesOf(options, container_)),
-        geocoder_(options.geocoder) {}
+        geocoder_(geocoderOf(options, container_)) {}
 
   platform::UserDefaults& standardUserDefaults() override {
     if (!container_) return Platform::standardUserDefaults();
@@ -83,9 +89,7 @@ class LinuxPlatform final : public platform::Platform {
     return locationServices_ ? *locationServices_ : Platform::locationServices();
   }
 
-  std::shared_ptr<platform::Geocoder> makeGeocoder() override {
-    return geocoder_ ? geocoder_ : Platform::makeGeocoder();
-  }
+  std::shared_ptr<platform::Geocoder> makeGeocoder() override { return geocoder_; }
 
  private:
   const std::optional<Container> container_;
@@ -118,6 +122,7 @@ void check(const std::string& option, const std::optional<std::filesystem::path>
 std::shared_ptr<platform::Platform> make(const Options& options) {
   check(options.downloads);
   check(options.location);
+  check(options.geocoding);
   check("certificateAuthorities", options.certificateAuthorities);
   check("resources", options.resources);
   return std::make_shared<LinuxPlatform>(Container::locate(options.container, options.domain), options);

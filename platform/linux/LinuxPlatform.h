@@ -14,9 +14,9 @@
 //          child must not use them before exec(). The end of the platform, and that of the process, drops
 //          background tasks that have not begun, ends downloads at once and waits for the workers.
 // Throws   std::invalid_argument from make(), with a message that names the option, when the domain or the
-//          container of the options is no usable name (Container.h), a limit is outside its range, the desktop id is
-//          no text, or the folder of resources or the file of certificate authorities is no path. make({}) throws
-//          nothing but std::bad_alloc.
+//          container of the options is no usable name (Container.h), a limit is outside its range, the desktop id or
+//          the maintainer is no text, the geocoding URL is none, or the folder of resources or the file of certificate
+//          authorities is no path. make({}) throws nothing but std::bad_alloc.
 #pragma once
 
 #include <filesystem>
@@ -27,6 +27,7 @@
 #include "platform/Platform.h"
 #include "platform/linux/DesktopLocation.h"
 #include "platform/linux/DownloadLimits.h"
+#include "platform/linux/LinuxGeocoder.h"
 #include "platform/linux/MenuOutcome.h"
 
 namespace tavlo::linux_platform {
@@ -40,6 +41,7 @@ struct Options {
   std::optional<std::filesystem::path> certificateAuthorities{};   // a PEM file to trust in place of the system's
   LocationOptions location{};                                      // of the desktop's position service
   std::shared_ptr<platform::LocationServices> locationServices{};  // in place of the desktop's
+  GeocodingOptions geocoding{};                                    // of the platform's own geocoder
   std::shared_ptr<platform::Geocoder> geocoder{};                  // in place of the platform's own
   MenuHandler onOpenInMenu{};                                      // gets what becomes of open-in menus
 };

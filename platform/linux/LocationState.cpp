@@ -3,6 +3,7 @@
 #include <cmath>
 #include <utility>
 
+#include "platform/linux/HttpTransfer.h"
 #include "platform/linux/WorkerQueue.h"
 
 namespace tavlo::linux_platform {
@@ -10,9 +11,13 @@ namespace {
 
 using platform::Location;
 
-// Never destroyed: a client may have news while the process ends.
+// Never destroyed: a client may have news while the process ends. What HTTP cleans up when the process exits must
+// outlive the workers of all queues, so it is set up before the first of them.
 WorkerQueue& answers() {
-  static auto* const queue = new WorkerQueue(1);
+  static auto* const queue = [] {
+    prepareHttp();
+    return new WorkerQueue(1);
+  }();
   return *queue;
 }
 

@@ -3,7 +3,8 @@
 
 namespace tavlo::linux_platform {
 
-std::unique_ptr<HttpTransfer> makeHttpTransfer(const DownloadLimits&, const std::optional<std::filesystem::path>&) {
+std::unique_ptr<HttpTransfer> makeHttpTransfer(const DownloadLimits&, const std::optional<std::filesystem::path>&,
+                                               const std::string&) {
   return nullptr;
 }
 
