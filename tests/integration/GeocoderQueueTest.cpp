@@ -27,11 +27,7 @@ constexpr const char* kOvertaken = "the look-up was overtaken: too many newer on
 
 class GeocoderQueueThread : public testing::Test {
  protected:
-  GeocoderQueueThread() {
-    auto clock = std::make_unique<HandClock>();
-    clock_ = clock.get();
-    linux_platform::setGeocodingClock(std::move(clock));
-  }
+  GeocoderQueueThread() { clock_->restart(); }
 
   // Adds the road of the answer, which is the latitude, or the error to the record.
   void lookUp(Desktop& desktop, int latitude) {
@@ -43,8 +39,16 @@ class GeocoderQueueThread : public testing::Test {
   }
   [[nodiscard]] linux_platform::Options options() { return {.geocoding = {.url = service_.url("echo")}}; }
 
+  // The process has one.
+  static HandClock* clock() {
+    auto clock = std::make_unique<HandClock>();
+    HandClock* const raw = clock.get();
+    linux_platform::setGeocodingClock(std::move(clock));
+    return raw;
+  }
+
+  static inline HandClock* const clock_ = clock();
   Nominatim service_;
-  HandClock* clock_ = nullptr;
   Desktop desktop_{options()};
   AwaitedRecord answers_;
 };
@@ -69,6 +73,8 @@ TEST_F(GeocoderQueueThread, ARequestAfterARestOfASecondBeginsAtOnce) {
   lookUp(desktop_, 3);
 
   EXPECT_EQ(clock_->awaited(), milliseconds(2500));
+  clock_->step(milliseconds(1000));
+  EXPECT_THAT(answers_.take(1), ElementsAre("3"));
 }
 
 TEST_F(GeocoderQueueThread, AllPlatformsOfTheProcessShareThePace) {

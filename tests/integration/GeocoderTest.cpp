@@ -11,7 +11,6 @@
 
 #include "TavloUtility.h"
 #include "tests/integration/DesktopFixture.h"
-#include "tests/integration/HandClock.h"
 #include "tests/support/CaseName.h"
 #include "tests/support/Nominatim.h"
 
@@ -47,6 +46,21 @@ class FixedServices final : public platform::LocationServices {
  private:
   const std::optional<Location> location_;
 };
+
+// No test waits for the second between two questions.
+class HastyClock final : public linux_platform::RequestPace::Clock {
+ public:
+  using Time = linux_platform::RequestPace::Time;
+
+  Time now() override { return now_; }
+  bool waitUntil(Time time) override { return now_ = time, true; }
+  void cancel() override {}
+
+ private:
+  Time now_{};
+};
+
+[[maybe_unused]] const bool kIsHasty = (linux_platform::setGeocodingClock(std::make_unique<HastyClock>()), true);
 
 constexpr Location kDelhi{.coordinate = {.latitude = 28.6139, .longitude = 77.209}};
 constexpr const char* kCalled = "console:reverseGeocodeLocation:completionHandler: Completion Handler called!";
@@ -186,7 +200,6 @@ TEST(GeocoderThread, AnAbsentLocationIsAnErrorAndAsksNobody) {
 
 TEST(GeocoderThread, APlaceThatIsNotOnEarthIsAnErrorAndTheEdgesAreNot) {
   Nominatim service;
-  linux_platform::setGeocodingClock(std::make_unique<HastyClock>());
   Desktop desktop(at(kDelhi, {.url = service.url("echo")}));
   constexpr double kNoNumber = std::numeric_limits<double>::quiet_NaN();
   constexpr double kInfinity = std::numeric_limits<double>::infinity();

@@ -1,4 +1,4 @@
-// A clock of the geocoder's pace that tests step by hand. It begins at 0.
+// A clock of the geocoder's pace that tests step by hand.
 #pragma once
 
 #include <chrono>
@@ -38,33 +38,27 @@ class HandClock final : public linux_platform::RequestPace::Clock {
     if (now_ >= awaited_) isAwaited_ = false;
     changes_.notify_all();
   }
-  // Since the beginning; returns when someone waits for a time that has not come.
+  // Long enough for whatever came before; times count from here.
+  void restart() {
+    step(std::chrono::hours(1));
+    const std::lock_guard lock(mutex_);
+    origin_ = now_;
+  }
+  // Returns when someone waits for a time that has not come.
   Step awaited() {
     std::unique_lock lock(mutex_);
     changes_.wait(lock, [&] { return isAwaited_; });
-    return std::chrono::duration_cast<Step>(awaited_.time_since_epoch());
+    return std::chrono::duration_cast<Step>(awaited_ - origin_);
   }
 
  private:
   std::mutex mutex_;
   std::condition_variable changes_;
   Time now_{};
+  Time origin_{};
   Time awaited_{};
   bool isAwaited_ = false;
   bool cancelled_ = false;
-};
-
-// One on which all time passes at once.
-class HastyClock final : public linux_platform::RequestPace::Clock {
- public:
-  using Time = linux_platform::RequestPace::Time;
-
-  Time now() override { return now_; }
-  bool waitUntil(Time time) override { return now_ = time, true; }
-  void cancel() override {}
-
- private:
-  Time now_{};
 };
 
 }  // namespace tavlo::test
