@@ -89,7 +89,7 @@ TEST(PngImages, AFileBecomesItsPixelsRowByRow) {
 TEST(PngImages, AFileWithAnyBitFlippedIsAbsent) {
   for (std::size_t bit = 0; bit < kSmall.size() * 8; ++bit) {
     std::string file = kSmall;
-    file[bit / 8] = static_cast<char>(file[bit / 8] ^ (1U << (bit % 8)));
+    file[bit / 8] = static_cast<char>(static_cast<unsigned char>(file[bit / 8]) ^ (1U << (bit % 8)));
 
     EXPECT_EQ(decodeExactly(file), nullptr) << "bit " << bit;
   }
