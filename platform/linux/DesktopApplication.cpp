@@ -67,11 +67,11 @@ class Controller final : public platform::DocumentInteractionController {
 
  private:
   // Why no menu is shown.
-  std::optional<std::string> refusalOver(std::string window) {
+  std::optional<std::string> refusalOver(const std::string& window) {
     if (!path_) return "no file of this machine has the URL " + url_;
     FileDescriptor file = openForReading(syscalls_, *path_);
     if (!file) return std::generic_category().message(errno) + ": " + *path_;
-    const auto menu = openInMenu(std::move(file), std::move(window), patience_, handler_);
+    const auto menu = openInMenu(std::move(file), window, patience_, handler_);
     show(menu);
     return menu->awaitRefusal();
   }

@@ -40,7 +40,7 @@ class PortalMenu {
 };
 
 // Asks for a menu over the window. The outcome of one that is shown goes to the handler, unless that is empty.
-[[nodiscard]] std::shared_ptr<PortalMenu> openInMenu(FileDescriptor file, std::string parentWindow,
-                                                     std::chrono::milliseconds patience, MenuHandler handler);
+[[nodiscard]] std::shared_ptr<PortalMenu> openInMenu(FileDescriptor file, const std::string& parentWindow,
+                                                     std::chrono::milliseconds patience, const MenuHandler& handler);
 
 }  // namespace tavlo::linux_platform

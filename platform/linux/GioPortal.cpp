@@ -253,9 +253,9 @@ bool hasHandlerForScheme(const std::string& scheme) {
   return Ref<GAppInfo>(g_app_info_get_default_for_uri_scheme(scheme.c_str())) != nullptr;
 }
 
-std::shared_ptr<PortalMenu> openInMenu(FileDescriptor file, std::string parentWindow,
-                                       std::chrono::milliseconds patience, MenuHandler handler) {
-  auto menu = std::make_shared<Menu>(std::move(file), std::move(parentWindow), patience, std::move(handler));
+std::shared_ptr<PortalMenu> openInMenu(FileDescriptor file, const std::string& parentWindow,
+                                       std::chrono::milliseconds patience, const MenuHandler& handler) {
+  auto menu = std::make_shared<Menu>(std::move(file), parentWindow, patience, handler);
   if (!menu->post(&Menu::start)) menu->refuse("the process is about to exit");
   return menu;
 }

@@ -124,6 +124,22 @@ TEST_F(DesktopApplicationTest, OnTheLoopAnAnswerIsAnOutcome) {
   EXPECT_THAT(outcomes_.next(), StartsWith("failed: there is no session bus"));
 }
 
+TEST_F(DesktopApplicationTest, EachOfManyThreadsIsToldOnceThatThereIsNoBus) {
+  constexpr int kThreads = 8;
+  constexpr int kEach = 50;
+  const auto shared = controller(url());
+  std::vector<std::thread> threads;
+
+  for (int i = 0; i < kThreads; ++i) {
+    threads.emplace_back([&] {
+      for (int menu = 0; menu < kEach; ++menu) EXPECT_FALSE(present(menu % 2 == 0 ? *shared : *controller(url())));
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+
+  EXPECT_EQ(outcomes_.left(), std::size_t{kThreads * kEach});
+}
+
 class OnADesktop : public DesktopApplicationTest {
  protected:
   void SetUp() override {
