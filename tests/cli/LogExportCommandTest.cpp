@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "tests/cli/CacheProgramTest.h"
-#include "tests/support/Desktop.h"
+#include "tests/support/PortalWorld.h"
 
 namespace tavlo::cli::test {
 namespace {
@@ -32,7 +32,7 @@ class LogExportCommand : public CacheProgramTest {
 class LogExportOnADesktop : public LogExportCommand {
  protected:
   void SetUp() override {
-    if (!tavlo::test::Desktop::isInstalled()) {
+    if (!tavlo::test::PortalWorld::isInstalled()) {
       GTEST_SKIP() << "needs dbus-daemon, xdg-desktop-portal, python3-dbus and python3-gi";
     }
     put("TavloLogFile.txt", "a line\n");
@@ -40,7 +40,7 @@ class LogExportOnADesktop : public LogExportCommand {
 };
 
 TEST_F(LogExportOnADesktop, ChosenAppGetsTheLog) {
-  tavlo::test::Desktop desktop("whole");
+  tavlo::test::PortalWorld desktop("whole");
 
   const Result exported = exportLog({}, {.afterStart = [&](int) {
                                       EXPECT_EQ(desktop.next(), "asked - file://" + file());
@@ -52,7 +52,7 @@ TEST_F(LogExportOnADesktop, ChosenAppGetsTheLog) {
 }
 
 TEST_F(LogExportOnADesktop, JsonHasOutcomeAndFile) {
-  tavlo::test::Desktop desktop("whole");
+  tavlo::test::PortalWorld desktop("whole");
 
   const Result exported = exportLog({"--json", "--quiet"}, {.afterStart = [&](int) {
                                       static_cast<void>(desktop.next());
@@ -63,7 +63,7 @@ TEST_F(LogExportOnADesktop, JsonHasOutcomeAndFile) {
 }
 
 TEST_F(LogExportOnADesktop, InterruptionTakesTheMenuBack) {
-  tavlo::test::Desktop desktop("whole");
+  tavlo::test::PortalWorld desktop("whole");
 
   const Result exported = exportLog({"--quiet"}, {.afterStart = [&](int child) {
                                       static_cast<void>(desktop.next());

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "TavloUtility.h"
+#include "common/Slot.h"
 #include "platform/Platform.h"
 #include "platform/linux/LinuxPlatform.h"
 #include "tests/integration/AwaitedLogger.h"
@@ -30,6 +31,8 @@ class PlayerImages : public testing::Test {
     Logger::install(logger_);
   }
   ~PlayerImages() override {
+    processSlot<platform::Bundle>().store(nullptr);
+    processSlot<const platform::Image>().store(nullptr);
     platform::install(nullptr);
     Logger::install(nullptr);
   }

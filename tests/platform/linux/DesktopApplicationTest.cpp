@@ -21,7 +21,7 @@
 #include "platform/linux/MainLoop.h"
 #include "tests/platform/linux/AwaitedOutcomes.h"
 #include "tests/support/CaseName.h"
-#include "tests/support/Desktop.h"
+#include "tests/support/PortalWorld.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace tavlo::test {
@@ -143,12 +143,13 @@ TEST_F(DesktopApplicationTest, EachOfManyThreadsIsToldOnceThatThereIsNoBus) {
 class OnADesktop : public DesktopApplicationTest {
  protected:
   void SetUp() override {
-    if (!Desktop::isInstalled()) GTEST_SKIP() << "needs dbus-daemon, xdg-desktop-portal, python3-dbus and python3-gi";
+    if (!PortalWorld::isInstalled())
+      GTEST_SKIP() << "needs dbus-daemon, xdg-desktop-portal, python3-dbus and python3-gi";
   }
 };
 
 TEST_F(OnADesktop, APortalThatDoesNotAnswerIsNotWaitedForWithoutEnd) {
-  Desktop desktop("deaf");
+  PortalWorld desktop("deaf");
 
   EXPECT_FALSE(present(*controller(url(), 500ms)));
 
@@ -156,7 +157,7 @@ TEST_F(OnADesktop, APortalThatDoesNotAnswerIsNotWaitedForWithoutEnd) {
 }
 
 TEST_F(OnADesktop, APresentationThatIsTakenBackBeforeItsAnswerIsNotShown) {
-  Desktop desktop("deaf");
+  PortalWorld desktop("deaf");
   auto one = controller(url());
   std::thread presenting([&] { EXPECT_FALSE(present(*one)); });
   EXPECT_THAT(desktop.next(), StartsWith("asked - "));
@@ -168,7 +169,7 @@ TEST_F(OnADesktop, APresentationThatIsTakenBackBeforeItsAnswerIsNotShown) {
 }
 
 TEST_F(OnADesktop, TheFileIsHandedOverForReadingOnlyAndTheUserIsToChoose) {
-  Desktop desktop("deaf");
+  PortalWorld desktop("deaf");
 
   EXPECT_FALSE(present(*controller("FILE://localhost" + at("log%2Etxt"), 500ms), "wayland:handle"));
 
@@ -176,7 +177,7 @@ TEST_F(OnADesktop, TheFileIsHandedOverForReadingOnlyAndTheUserIsToChoose) {
 }
 
 TEST_F(OnADesktop, OnlyAWindowThatThePortalCanKnowIsPassedOn) {
-  Desktop desktop("whole");
+  PortalWorld desktop("whole");
   const std::vector<std::pair<Text, std::string>> windows{{"x11:2a", "x11:2a"}, {"wayland:a-B_9", "wayland:a-B_9"},
                                                           {std::nullopt, "-"},  {"", "-"},
                                                           {"win32:2a", "-"},    {"x11:2a b", "-"},
@@ -192,7 +193,7 @@ TEST_F(OnADesktop, OnlyAWindowThatThePortalCanKnowIsPassedOn) {
 }
 
 TEST_F(OnADesktop, AMenuThatEndsWithItsControllerIsTakenBack) {
-  Desktop desktop("whole");
+  PortalWorld desktop("whole");
   auto one = controller(url());
   EXPECT_TRUE(present(*one));
   EXPECT_EQ(desktop.next(), "asked - " + url());
@@ -204,7 +205,7 @@ TEST_F(OnADesktop, AMenuThatEndsWithItsControllerIsTakenBack) {
 }
 
 TEST_F(OnADesktop, AHandlerMayPresentAgain) {
-  Desktop desktop("whole");
+  PortalWorld desktop("whole");
   std::shared_ptr<platform::DocumentInteractionController> again;
   const auto told = outcomes_.handler();
   const auto one = DesktopApplication([&](linux_platform::MenuOutcome outcome, std::string_view explanation) {
@@ -227,7 +228,7 @@ TEST_F(OnADesktop, AHandlerMayPresentAgain) {
 }
 
 TEST_F(OnADesktop, WhatAHandlerThrowsIsDropped) {
-  Desktop desktop("whole");
+  PortalWorld desktop("whole");
   const auto told = outcomes_.handler();
   const auto one = DesktopApplication([&](linux_platform::MenuOutcome outcome, std::string_view explanation) {
                      told(outcome, explanation);
@@ -243,7 +244,7 @@ TEST_F(OnADesktop, WhatAHandlerThrowsIsDropped) {
 }
 
 TEST_F(OnADesktop, EachOfManyThreadsIsToldOnceWhenItsMenuGoesWithItsController) {
-  Desktop desktop("whole");
+  PortalWorld desktop("whole");
   constexpr int kThreads = 8;
   std::vector<std::thread> threads;
 
@@ -268,14 +269,19 @@ struct Probe {
 
 class CanOpenURLTest : public testing::TestWithParam<Probe> {};
 
-TEST_P(CanOpenURLTest, IsTrueForASchemeThatAnInstalledAppHandles) {
-  const TemporaryFolder folder;
+// GLib keeps the folders that it first sees.
+void haveAppForTavloTest() {
+  static const TemporaryFolder folder;
   std::filesystem::create_directories(folder / "applications");
   writeFile(folder / "applications/test-app.desktop", "[Desktop Entry]\nType=Application\nName=Test\nExec=true %u\n");
   writeFile(folder / "applications/mimeinfo.cache", "[MIME Cache]\nx-scheme-handler/tavlo-test=test-app.desktop;\n");
   for (const char* const name : {"XDG_DATA_HOME", "XDG_DATA_DIRS", "XDG_CONFIG_HOME", "XDG_CONFIG_DIRS"}) {
     ::setenv(name, folder.path().c_str(), 1);
   }
+}
+
+TEST_P(CanOpenURLTest, IsTrueForASchemeThatAnInstalledAppHandles) {
+  haveAppForTavloTest();
 
   EXPECT_EQ(DesktopApplication(nullptr).canOpenURL(GetParam().url), GetParam().canBeOpened);
 }

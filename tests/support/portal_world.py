@@ -1,10 +1,10 @@
 #!/usr/bin/python3
 """A desktop for tests: a session bus of its own, the real desktop portal, and a chooser of apps that is told what to do.
 
-Usage: desktop.py FOLDER whole       bus, portal, chooser
-       desktop.py FOLDER no-chooser  bus and portal
-       desktop.py FOLDER no-portal   the bus alone
-       desktop.py FOLDER deaf        a bus and a portal that never answers
+Usage: portal_world.py FOLDER whole       bus, portal, chooser
+       portal_world.py FOLDER no-chooser  bus and portal
+       portal_world.py FOLDER no-portal   the bus alone
+       portal_world.py FOLDER deaf        a bus and a portal that never answers
 
 Prints the bus's address, then a line for each thing that happens:
 
@@ -13,9 +13,10 @@ Prints the bus's address, then a line for each thing that happens:
                        a deaf portal prints "asked PARENT PATH READ-ONLY WISHES..." of the file that it was handed
   closed               the request is taken back while the chooser waits
   opened PATH          the app of this desktop was started with the file
-  portal ended
+  portal ended         without being told to
+  ended                everything, as it was told to
 
-Other lines on standard input: "end portal", "end bus". It ends, and everything with it, when standard input does.
+Other lines on standard input: "end portal", "end bus", "end all". It ends, and everything with it, when standard input does.
 """
 
 import fcntl
@@ -140,14 +141,23 @@ def start_portal(folder):
     with open(folder / "portal.log", "wb") as log:
         children["portal"] = subprocess.Popen(["/usr/libexec/xdg-desktop-portal"], env=environment, stdout=log,
                                               stderr=log)
-    threading.Thread(target=lambda portal: (portal.wait(), say("portal ended")), args=(children["portal"],),
-                     daemon=True).start()
+    threading.Thread(target=tell_of_end, args=(children["portal"],), daemon=True).start()
+
+
+def tell_of_end(portal):
+    portal.wait()
+    if "portal" in children:
+        say("portal ended")
 
 
 def do(line):
     actions = {"choose": (CHOSEN, "test-app"), "cancel": (CANCELLED,), "fail": (FAILED,)}
     if line in actions:
         Chooser.waiting.answer(*actions[line])
+    elif line == "end all":
+        for one in list(children):
+            end(one)
+        say("ended")
     elif line.startswith("end "):
         end(line.removeprefix("end "))
     return GLib.SOURCE_REMOVE
