@@ -104,11 +104,18 @@ struct ClearCache {};
 inline constexpr std::chrono::seconds kPatience{10};
 inline constexpr std::chrono::seconds kPatienceToWait{60};  // for a person, too
 
+// A service or a table, or neither.
+struct GeocoderChoice {
+  std::optional<std::string> service;  // its base URL
+  std::optional<std::string> contact;  // an e-mail address that the service may write to
+  std::optional<std::string> table;    // a file of places, "-" for standard input
+};
+
 struct Locate {
   std::optional<platform::Coordinate> fixed;
-  std::optional<std::string> service;  // the geocoder's base URL
-  std::optional<std::string> table;    // or a file of places, "-" for standard input
-  std::optional<std::string> save;     // a session file
+  GeocoderChoice geocoder;
+  std::optional<std::string> save;  // a session file
+  std::optional<std::string> desktopId;
   bool wait = false;
   bool why = false;
   std::chrono::seconds patience = kPatience;
@@ -126,11 +133,14 @@ struct ShowLog {
   bool follow = false;
 };
 struct ExportLog {};
+struct Examine {
+  GeocoderChoice geocoder;
+};
 
 using Command = std::variant<Help, MakeRequest, GetIdentifier, SetIdentifier, ShowIdentifiers, TransformTexts,
                              PrintContract, AddEvent, ListEvents, ClearEvents, RecordUse, Demo, LookUpInCache,
                              FetchBanners, ExplainUrl, ListCacheEntries, PrintCachedList, PutCachedList, SortList,
-                             DeleteCached, ClearCache, Locate, ShowImage, ShowLog, ExportLog>;
+                             DeleteCached, ClearCache, Locate, ShowImage, ShowLog, ExportLog, Examine>;
 
 struct Invocation {
   Globals globals;

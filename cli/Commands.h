@@ -41,5 +41,6 @@ void execute(const Locate& command, const Run& run);
 void execute(const ShowImage& command, const Run& run);
 void execute(const ShowLog& command, const Run& run);
 void execute(const ExportLog& command, const Run& run);
+void execute(const Examine& command, const Run& run);
 
 }  // namespace tavlo::cli

@@ -2,23 +2,23 @@
 #include <algorithm>
 #include <chrono>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <utility>
 
 #include "cli/Commands.h"
 #include "cli/Errors.h"
+#include "cli/GeocoderChoice.h"
 #include "cli/Interrupt.h"
 #include "cli/Json.h"
 #include "cli/LocationSteps.h"
 #include "cli/LocationWatch.h"
 #include "cli/Place.h"
-#include "cli/PlaceTable.h"
 #include "cli/Requests.h"
 #include "cli/SessionFileUpdate.h"
 #include "common/Format.h"
 #include "host/FixedPosition.h"
 #include "host/SessionRecord.h"
-#include "host/TableGeocoder.h"
 
 namespace tavlo::cli {
 namespace {
@@ -26,12 +26,15 @@ namespace {
 linux_platform::Options outsideOf(const Locate& command) {
   linux_platform::Options outside;
   outside.location.authorization = command.patience;
+  outside.location.desktopId = command.desktopId.value_or("");
+  outside.geocoding.timeLimit = command.patience;
   if (command.fixed) outside.locationServices = std::make_shared<host::FixedPosition>(*command.fixed);
-  if (command.service) throw Failure("this program has no geocoder service; give a table of places with table:FILE");
-  if (command.table) {
-    PlaceTable table = readPlaceTable(*command.table);
-    outside.geocoder = std::make_shared<host::TableGeocoder>(std::move(table.places), table.within);
+  try {
+    linux_platform::check(outside.location);
+  } catch (const std::invalid_argument& error) {
+    throw UsageError(error.what(), "tavlo locate");
   }
+  useGeocoder(command.geocoder, outside);
   return outside;
 }
 

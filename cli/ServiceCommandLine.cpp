@@ -41,14 +41,18 @@ std::int64_t integerOf(const char* name, const std::string& text, std::int64_t m
   throw UsageError(std::string(name) + " \"" + text + "\" is no integer from 1 to " + std::to_string(most));
 }
 
-void takeGeocoder(const std::string& text, Locate& locate) {
-  if (text.starts_with(kTable) && text.size() > kTable.size()) {
-    locate.table = text.substr(kTable.size());
-  } else if (text.starts_with("https://") || text.starts_with("http://")) {
-    locate.service = text;
+GeocoderChoice geocoderOf(const Given& given) {
+  GeocoderChoice choice{.service = {}, .contact = given.text("--contact"), .table = {}};
+  const auto text = given.text("--geocoder");
+  if (!text) return choice;
+  if (text->starts_with(kTable) && text->size() > kTable.size()) {
+    choice.table = text->substr(kTable.size());
+  } else if (text->starts_with("https://") || text->starts_with("http://")) {
+    choice.service = *text;
   } else {
-    throw UsageError("the geocoder \"" + text + "\" is neither an http or https URL nor table:FILE");
+    throw UsageError("the geocoder \"" + *text + "\" is neither an http or https URL nor table:FILE");
   }
+  return choice;
 }
 
 Command makeLocate(const Given& given) {
@@ -59,7 +63,8 @@ Command makeLocate(const Given& given) {
   locate.save = given.text("--save");
   if (locate.save && (locate.save->empty() || *locate.save == "-")) throw UsageError("--save takes the name of a file");
   if (const auto text = given.text("--fixed")) locate.fixed = coordinateOf(*text);
-  if (const auto text = given.text("--geocoder")) takeGeocoder(*text, locate);
+  locate.geocoder = geocoderOf(given);
+  locate.desktopId = given.text("--desktop-id");
   if (locate.wait) locate.patience = kPatienceToWait;
   if (const auto text = given.text("--timeout")) {
     locate.patience = std::chrono::seconds(integerOf("SECONDS", *text, kMostSeconds));
@@ -82,12 +87,16 @@ Command makeTail(const Given& given) {
   return show;
 }
 
+constexpr OptionRow kContact{"--contact", "EMAIL", "An address that the service's keepers may write to"};
+
 constexpr auto kRows = std::to_array<ServiceCommandRow>({
     {.name = "locate",
      .description = help::kLocate,
      .footer = help::kLocateFooter,
      .options = {{{"--fixed", "LAT,LON", "A position in degrees in place of the device's"},
                   {"--geocoder", "URL|table:FILE", "A Nominatim-compatible service, or a table of places"},
+                  kContact,
+                  {"--desktop-id", "ID", "The program's name for the position service, --domain when not given"},
                   {"--wait", nullptr, "Ask for permission, and wait for a position"},
                   {"--why", nullptr, "How each step was decided, too"},
                   {"--save", "FILE", "Keep position and address in this session file"},
@@ -116,6 +125,11 @@ constexpr auto kRows = std::to_array<ServiceCommandRow>({
      .description = help::kLogExport,
      .footer = help::kLogExportFooter,
      .make = [](const Given& /*given*/) -> Command { return ExportLog{}; }},
+    {.name = "doctor",
+     .description = help::kDoctor,
+     .footer = help::kDoctorFooter,
+     .options = {{{"--geocoder", "URL|table:FILE", "Try this geocoder, too"}, kContact}},
+     .make = [](const Given& given) -> Command { return Examine{.geocoder = geocoderOf(given)}; }},
 });
 
 }  // namespace

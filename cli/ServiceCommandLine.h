@@ -37,7 +37,7 @@ struct ServiceCommandRow {
   const char* description = nullptr;
   const char* footer = nullptr;
   ArgumentRow argument{};
-  std::array<OptionRow, 6> options{};
+  std::array<OptionRow, 8> options{};
   Command (*make)(const Given& given) = nullptr;  // throws UsageError
 };
 

@@ -54,4 +54,15 @@ inline constexpr const char* kLogExportFooter =
     "Example:\n"
     "  tavlo log export";
 
+inline constexpr const char* kDoctor =
+    "Examine what this machine and the container offer, and what to do where it lacks.";
+inline constexpr const char* kDoctorFooter =
+    "A line a check: ok; note for an optional service that is missing and for what is not there\n"
+    "yet; BROKEN for what stands in the way. Exit code 1 when anything is broken. Nobody is asked\n"
+    "for permission, and nothing is made but one file in the container, which is removed at once.\n"
+    "Services are waited for at most 1 second each, a geocoder 10 seconds.\n"
+    "\n"
+    "Example:\n"
+    "  tavlo doctor --json";
+
 }  // namespace tavlo::cli::help

@@ -22,6 +22,9 @@ namespace tavlo::linux_platform {
 // Whether an app is installed for URLs of the scheme.
 [[nodiscard]] bool hasHandlerForScheme(const std::string& scheme);
 
+// Whether the portal runs, or can be started. Asks the session bus, for one second at most.
+[[nodiscard]] bool isPortalThere();
+
 // A menu of the apps that can open a file.
 class PortalMenu {
  public:

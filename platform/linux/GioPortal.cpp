@@ -10,6 +10,7 @@
 #include "platform/linux/DesktopPortal.h"
 #include "platform/linux/GLibCalls.h"
 #include "platform/linux/MainLoop.h"
+#include "platform/linux/SystemBus.h"
 
 namespace tavlo::linux_platform {
 namespace {
@@ -251,6 +252,11 @@ class Menu final : public PortalMenu, public std::enable_shared_from_this<Menu> 
 
 bool hasHandlerForScheme(const std::string& scheme) {
   return Ref<GAppInfo>(g_app_info_get_default_for_uri_scheme(scheme.c_str())) != nullptr;
+}
+
+bool isPortalThere() {
+  const Text address = sessionBusAddress();
+  return address && isOnBus(*address, kPortal);
 }
 
 std::shared_ptr<PortalMenu> openInMenu(FileDescriptor file, const std::string& parentWindow,

@@ -14,6 +14,8 @@ class NoMenu final : public PortalMenu {
 
 bool hasHandlerForScheme(const std::string&) { return false; }
 
+bool isPortalThere() { return false; }
+
 std::shared_ptr<PortalMenu> openInMenu(FileDescriptor, const std::string&, std::chrono::milliseconds,
                                        const MenuHandler&) {
   return std::make_shared<NoMenu>();

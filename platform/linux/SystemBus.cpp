@@ -7,6 +7,7 @@
 #include <optional>
 #include <utility>
 
+#include "common/Text.h"
 #include "platform/linux/GLibCalls.h"
 #include "platform/linux/MainLoop.h"
 
@@ -20,9 +21,13 @@ constexpr std::chrono::milliseconds kPatience{1000};
 // Asked of the bus by one thread, awaited by another.
 class Inquiry : public std::enable_shared_from_this<Inquiry> {
  public:
-  explicit Inquiry(std::string service) : service_(std::move(service)) {}
+  // Without an address, of the system's bus.
+  Inquiry(Text address, std::string service) : address_(std::move(address)), service_(std::move(service)) {}
 
-  void begin() { connectToSystemBus(nullptr, then(&Inquiry::connected)); }
+  void begin() {
+    if (address_) return connectToBus(address_->c_str(), nullptr, then(&Inquiry::connected));
+    connectToSystemBus(nullptr, then(&Inquiry::connected));
+  }
 
   [[nodiscard]] bool awaitAnswer() {
     std::unique_lock lock(mutex_);
@@ -79,6 +84,7 @@ class Inquiry : public std::enable_shared_from_this<Inquiry> {
     answer(yes);
   }
 
+  const Text address_;
   const std::string service_;
   Ref<GDBusConnection> connection_;
   std::mutex mutex_;
@@ -86,12 +92,16 @@ class Inquiry : public std::enable_shared_from_this<Inquiry> {
   std::optional<bool> answer_;
 };
 
-}  // namespace
-
-bool isOnSystemBus(const std::string& service) {
+bool isOn(Text address, const std::string& service) {
   if (MainLoop::isCurrent()) return false;
-  const auto inquiry = std::make_shared<Inquiry>(service);
+  const auto inquiry = std::make_shared<Inquiry>(std::move(address), service);
   return MainLoop::post([inquiry] { inquiry->begin(); }) && inquiry->awaitAnswer();
 }
+
+}  // namespace
+
+bool isOnSystemBus(const std::string& service) { return isOn(std::nullopt, service); }
+
+bool isOnBus(const std::string& address, const std::string& service) { return isOn(address, service); }
 
 }  // namespace tavlo::linux_platform

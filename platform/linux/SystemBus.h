@@ -1,4 +1,4 @@
-// The system's message bus.
+// Services on message buses.
 #pragma once
 
 #include <string>
@@ -12,5 +12,8 @@ namespace tavlo::linux_platform {
 // Threads  any other, any time.
 // Throws   std::bad_alloc.
 [[nodiscard]] bool isOnSystemBus(const std::string& service);
+
+// The same of the bus at this address.
+[[nodiscard]] bool isOnBus(const std::string& address, const std::string& service);
 
 }  // namespace tavlo::linux_platform

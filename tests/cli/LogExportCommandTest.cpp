@@ -74,6 +74,22 @@ TEST_F(LogExportOnADesktop, InterruptionTakesTheMenuBack) {
   EXPECT_EQ(exported, (Result{1, "", "tavlo: interrupted; the menu is taken back, and nothing was opened\n"}));
 }
 
+TEST_F(LogExportOnADesktop, DoctorFindsThePortal) {
+  const tavlo::test::Desktop desktop("whole");
+
+  EXPECT_THAT(
+      run({"doctor"}, {.environment = {{"DBUS_SESSION_BUS_ADDRESS", std::getenv("DBUS_SESSION_BUS_ADDRESS")}}}).out,
+      testing::HasSubstr("\nok     portal        the portal is on the session's bus\n"));
+}
+
+TEST_F(LogExportOnADesktop, DoctorMissesThePortalOfABareBus) {
+  const tavlo::test::Desktop desktop("no-portal");
+
+  EXPECT_THAT(
+      run({"doctor"}, {.environment = {{"DBUS_SESSION_BUS_ADDRESS", std::getenv("DBUS_SESSION_BUS_ADDRESS")}}}).out,
+      testing::HasSubstr("\nnote   portal        there is no desktop portal on the session's bus; "));
+}
+
 TEST_F(LogExportCommand, WithoutADesktopNothingIsShown) {
   put("TavloLogFile.txt", "a line\n");
 
