@@ -75,7 +75,7 @@ TEST_F(LogExportOnADesktop, InterruptionTakesTheMenuBack) {
 }
 
 TEST_F(LogExportOnADesktop, DoctorFindsThePortal) {
-  const tavlo::test::Desktop desktop("whole");
+  const tavlo::test::PortalWorld desktop("whole");
 
   EXPECT_THAT(
       run({"doctor"}, {.environment = {{"DBUS_SESSION_BUS_ADDRESS", std::getenv("DBUS_SESSION_BUS_ADDRESS")}}}).out,
@@ -83,7 +83,7 @@ TEST_F(LogExportOnADesktop, DoctorFindsThePortal) {
 }
 
 TEST_F(LogExportOnADesktop, DoctorMissesThePortalOfABareBus) {
-  const tavlo::test::Desktop desktop("no-portal");
+  const tavlo::test::PortalWorld desktop("no-portal");
 
   EXPECT_THAT(
       run({"doctor"}, {.environment = {{"DBUS_SESSION_BUS_ADDRESS", std::getenv("DBUS_SESSION_BUS_ADDRESS")}}}).out,
