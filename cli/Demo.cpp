@@ -7,6 +7,7 @@
 #include "cli/Commands.h"
 #include "cli/DemoCache.h"
 #include "cli/DemoReport.h"
+#include "cli/DemoServices.h"
 #include "cli/ExampleSession.h"
 #include "cli/Json.h"
 #include "cli/Place.h"
@@ -93,6 +94,12 @@ void showTexts(DemoReport& report) {
   report.check("the extension is mp4", extension == "mp4");
 }
 
+// Console lines are told by the report, where it tells them.
+Place quietly(Globals globals) {
+  globals.quiet = true;
+  return Place(globals);
+}
+
 }  // namespace
 
 void execute(const Demo& /*command*/, const Run& run) {
@@ -109,6 +116,8 @@ void execute(const Demo& /*command*/, const Run& run) {
   showIdentifiers(report, Place(globals));
   showTexts(report);
   showCache(report, Place(ofTheCache));
+  showPosition(report, quietly(ofTheCache));
+  showImages(report, quietly(ofTheCache));
   platform::install(nullptr);
   report.finish();
 }

@@ -3,12 +3,20 @@
 #include <utility>
 
 #include "cli/Errors.h"
+#include "cli/ImagePreview.h"
 #include "cli/Json.h"
 
 namespace tavlo::cli {
 
 void DemoReport::say(const std::string& text) {
   if (!run_.globals.json) run_.output.answerLine(text);
+}
+
+void DemoReport::draw(const platform::Image& image) {
+  if (run_.globals.json) return;
+  const TableLook look = run_.output.tableLook();
+  run_.output.answer(imagePreview(image, look.styled ? PreviewLook::blocks : PreviewLook::characters,
+                                  look.width.value_or(kWidestPreview)));
 }
 
 void DemoReport::table(const std::vector<ExplainedPair>& pairs) {

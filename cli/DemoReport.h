@@ -7,6 +7,7 @@
 
 #include "cli/Commands.h"
 #include "cli/Requests.h"
+#include "platform/Image.h"
 
 namespace tavlo::cli {
 
@@ -16,6 +17,7 @@ class DemoReport {
 
   void say(const std::string& text);
   void title(const std::string& text) { say("\n== " + text); }
+  void draw(const platform::Image& image);  // in colours, or in characters where there are none
   void table(const std::vector<ExplainedPair>& pairs);
   void request(const Contract& contract, const std::string& text);
   void check(const std::string& claim, bool holds);

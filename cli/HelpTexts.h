@@ -6,7 +6,7 @@ namespace tavlo::cli::help {
 inline constexpr const char* kProgram =
     "tavlo shows and checks what the SDK's utility component does: the four requests that it\n"
     "builds, the identifiers, tracker records and user counters that it keeps, its media cache,\n"
-    "and its text operations.";
+    "its position and address, its images and its log, and its text operations.";
 
 inline constexpr const char* kProgramFooter =
     "Examples:\n"
@@ -16,6 +16,10 @@ inline constexpr const char* kProgramFooter =
     "      stores the app id in the user's container and shows what is stored\n"
     "  tavlo cache explain https://cdn.example.com/clip.mp4\n"
     "      the names of a URL's files in the media cache, and which are there\n"
+    "  tavlo locate --fixed 52.52,13.405 --geocoder table:examples/places.json --why\n"
+    "      a position, its address, and how each step was decided\n"
+    "  tavlo doctor\n"
+    "      what this machine offers, and what to do where it lacks\n"
     "  tavlo encode < values.txt\n"
     "      percent-encodes each line\n"
     "\n"

@@ -32,6 +32,28 @@ constexpr const char* kSortedList =
     "ok      clearing leaves the log file alone\n"
     "ok      the log has what was stored before\n";
 
+constexpr const char* kPosition =
+    "services: on\n"
+    "permission: 3: --fixed needs no permission\n"
+    "position: 52.518600, 13.408100\n"
+    "look-up: of the position as read again: 52.518600, 13.408100\n"
+    "answer: one placemark\n"
+    "key state: \"Berlin\" from administrativeArea\n"
+    "key locality: \"Mitte\" from subLocality\n"
+    "key area: thoroughfare is not known, so the key is left out\n"
+    "key pin: \"10178\" from postalCode\n"
+    "key city: \"Berlin\" from locality\n"
+    "key country: \"Deutschland\" from country\n"
+    "no key: \"DE\" of ISOcountryCode is only logged\n"
+    "ok      the position has six decimals\n"
+    "ok      the address is that of the nearest place\n"
+    "ok      the ad request carries them\n";
+
+constexpr const char* kImages =
+    "              ............\n"
+    "ok      the shipped images have 64 x 64 pixels\n"
+    "ok      the mute image is another one than the volume image\n";
+
 std::vector<std::string> namesIn(const std::filesystem::path& folder) {
   std::vector<std::string> names;
   for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
@@ -64,8 +86,10 @@ TEST(DemoTest, ShowsTheRequestsAndHoldsAllItsChecks) {
                             "ok      a URL with a newline is stored under one name and looked up under another\n"
                             "ok      the video list is read as it was written\n"));
   EXPECT_THAT(demo.out, testing::HasSubstr(kSortedList));
+  EXPECT_THAT(demo.out, testing::HasSubstr(kPosition));
+  EXPECT_THAT(demo.out, testing::HasSubstr(kImages));
   EXPECT_THAT(demo.out, testing::Not(testing::HasSubstr("FAILED")));
-  EXPECT_THAT(demo.out, testing::EndsWith("\nAll 21 checks hold.\n"));
+  EXPECT_THAT(demo.out, testing::EndsWith("\nAll 26 checks hold.\n"));
   EXPECT_THAT(namesIn(temporary.path()), testing::IsEmpty());
 }
 
@@ -111,7 +135,7 @@ TEST(DemoTest, CheckThatDoesNotHoldIsAFailure) {
   // The platform answers from its memory until it is made anew.
   EXPECT_EQ(demo.exitCode, 1);
   EXPECT_THAT(demo.out, testing::HasSubstr("\nFAILED  ApplicationId is com.example.kino\n"));
-  EXPECT_EQ(demo.err, "tavlo: 4 of 21 checks of the demo failed; see FAILED in its output\n");
+  EXPECT_EQ(demo.err, "tavlo: 4 of 26 checks of the demo failed; see FAILED in its output\n");
 }
 
 TEST(DemoTest, TemporaryFolderThatCannotBeMadeIsAnError) {
