@@ -15,6 +15,15 @@ namespace {
 constexpr std::size_t kSignature = 8;
 constexpr std::uint64_t kMostOutOfAByte = 1032;  // what the format's compression makes of one byte at best
 constexpr std::size_t kLargestChunk = std::size_t{64} << 10U;
+constexpr std::size_t kMostForARow = std::size_t{128} << 10U;  // the longest takes 64 KiB before it is packed
+constexpr png_uint_32 kPixelChunk = 0x49444154;                // IDAT
+
+// What is left of the file, and how much of it the row at hand may take. Without a bound the last row takes all that
+// follows it, which can unpack to a thousand times the file.
+struct Input {
+  std::string_view left;
+  std::size_t forTheRow = 0;
+};
 
 class Pixels final : public platform::Image {
  public:
@@ -37,10 +46,14 @@ void failed(png_structp png, png_const_charp) { png_longjmp(png, 1); }
 void ignored(png_structp, png_const_charp) {}
 
 void copyFromMemory(png_structp png, png_bytep to, std::size_t size) {
-  auto& left = *static_cast<std::string_view*>(png_get_io_ptr(png));
-  if (size > left.size()) png_error(png, "the file ends too early");
-  std::memcpy(to, left.data(), size);
-  left.remove_prefix(size);
+  auto& input = *static_cast<Input*>(png_get_io_ptr(png));
+  if (size > input.left.size()) png_error(png, "the file ends too early");
+  if (png_get_io_chunk_type(png) == kPixelChunk && (png_get_io_state(png) & PNG_IO_CHUNK_DATA) != 0) {
+    if (size > input.forTheRow) png_error(png, "there are more data than pixels");
+    input.forTheRow -= size;
+  }
+  std::memcpy(to, input.left.data(), size);
+  input.left.remove_prefix(size);
 }
 
 }  // extern "C"
@@ -49,7 +62,7 @@ class Decoder {
  public:
   explicit Decoder(std::string_view file)
       : fileSize_(file.size()),
-        left_(file),
+        input_{file},
         png_(png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, failed, ignored)) {
     if (png_) info_ = png_create_info_struct(png_);
   }
@@ -76,7 +89,7 @@ class Decoder {
   }
 
   void readHead() {
-    png_set_read_fn(png_, &left_, copyFromMemory);
+    png_set_read_fn(png_, &input_, copyFromMemory);
     png_set_user_limits(png_, PngImages::kLongestSide, PngImages::kLongestSide);
     png_set_chunk_malloc_max(png_, kLargestChunk);
     png_set_keep_unknown_chunks(png_, PNG_HANDLE_CHUNK_NEVER, nullptr, -1);  // all but those that make the pixels
@@ -103,13 +116,16 @@ class Decoder {
 
   void readRows() {
     for (int pass = 0; pass < passes_; ++pass) {
-      for (std::uint32_t row = 0; row < height_; ++row) png_read_row(png_, rows_ + row * rowSize_, nullptr);
+      for (std::uint32_t row = 0; row < height_; ++row) {
+        input_.forTheRow = kMostForARow;
+        png_read_row(png_, rows_ + row * rowSize_, nullptr);
+      }
     }
     png_read_end(png_, nullptr);
   }
 
   const std::size_t fileSize_;
-  std::string_view left_;
+  Input input_;
   png_structp png_;
   png_infop info_ = nullptr;
   std::uint32_t width_ = 0;

@@ -5,7 +5,8 @@
 //          and all other chunks that a decoder may leave out are skipped unread, and may be damaged. What follows
 //          the image's end is not looked at.
 // Absent   a file that is missing, unreadable, no regular file or no PNG; that is damaged or ends before its end; or
-//          that is beyond a limit: kLargestFile bytes, kLongestSide pixels a side, kMostPixels in all.
+//          that is beyond a limit: kLargestFile bytes, kLongestSide pixels a side, kMostPixels in all, 128 KiB
+//          of packed data for one row and what follows the last one.
 // Threads  any thread, any time.
 //
 // Memory: the file, its pixels, and a few rows. Pixels are made only once the file is long enough to hold them,

@@ -120,6 +120,7 @@ SOUND = {
     "many-texts": before_body(chunk(b"tEXt", b"key\0text") * 5000),
     "profile-bomb": before_body(chunk(b"iCCP", b"name\0\0" + BOMB)),
     "damaged-profile": before_body(wrong_checksum(chunk(b"iCCP", b"name"))),
+    "a-few-more-data": SIGNATURE + head(1, 1) + chunk(b"IDAT", zlib.compress(b"\0\1\2\3\4" + bytes(100))) + END,
     "gamma": before_body(chunk(b"gAMA", struct.pack(">I", 1))),
     "text-after-the-body": SIGNATURE + head(1, 1) + BODY + chunk(b"zTXt", b"key\0\0" + BOMB) + END,
 }
@@ -152,6 +153,8 @@ BROKEN = {
     "body-of-another-size": SIGNATURE + head(1, 2) + BODY + END,
     "body-wrong-at-its-end": SIGNATURE + head(1, 1) + chunk(b"IDAT", ROWS[:-1]) + END,
     "unknown-filter": SIGNATURE + head(1, 1) + chunk(b"IDAT", zlib.compress(b"\5\1\2\3\4")) + END,
+    "data-bomb-behind-the-pixels": SIGNATURE + head(1, 1)
+    + chunk(b"IDAT", zlib.compress(b"\0\1\2\3\4" + bytes(192 << 20), 9)) + END,
     "head-checksum": SIGNATURE + wrong_checksum(head(1, 1)) + BODY + END,
     "body-checksum": SIGNATURE + head(1, 1) + wrong_checksum(BODY) + END,
     "end-checksum": wrong_checksum(ONE),

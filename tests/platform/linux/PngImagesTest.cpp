@@ -72,7 +72,7 @@ constexpr std::string_view kSmallPixels = "ff0000ff008000800000ffff000000fffffff
 
 TEST(PngImages, EveryKindOfImageBecomesItsPixels) { expectAsTold("kinds", 208); }
 
-TEST(PngImages, ADamagedFileIsAnImageOnlyIfItsPixelsAreSound) { expectAsTold("damaged", 44); }
+TEST(PngImages, ADamagedFileIsAnImageOnlyIfItsPixelsAreSound) { expectAsTold("damaged", 46); }
 
 TEST(PngImages, AFileBecomesItsPixelsRowByRow) {
   const TemporaryFolder folder;
