@@ -11,7 +11,7 @@ Installs the Debian packages that are missing. With all of them there it needs n
 
 packages=(
   g++ cmake ninja-build pkg-config libcli11-dev nlohmann-json3-dev libsqlite3-dev libcurl4-openssl-dev  # the product
-  libgeoclue-2-dev libgeocode-glib-dev libportal-dev libpng-dev
+  libglib2.0-dev libgeoclue-2-dev libgeocode-glib-dev libpng-dev
   libgtest-dev libgmock-dev libssl-dev libbenchmark-dev python3 openssl strace shellcheck locales       # the tests
   dbus geoclue-2.0 xdg-desktop-portal python3-dbus python3-gi
 )

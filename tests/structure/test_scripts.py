@@ -76,7 +76,7 @@ class Setup(unittest.TestCase):
     def test_WithEverythingThereItPrintsOneLineAndAsksNobody(self):
         run = Run("scripts/setup.sh", FAKE_UID="1000")
 
-        self.assertEqual((run.status, run.out, run.err), (0, "setup: all 16 packages are there\n", ""))
+        self.assertEqual((run.status, run.out, run.err), (0, "setup: all 26 packages are there\n", ""))
         self.assertEqual(run.calls, [])
 
     def test_RootInstallsWhatIsMissingWithoutSudo(self):
@@ -139,7 +139,7 @@ class Demo(unittest.TestCase):
     def test_ShowsTheProgramInAContainerThatIsGoneAfterwards(self):
         run = Run("scripts/demo.sh")
 
-        self.assertEqual((run.status, run.out), (0, "setup: all 16 packages are there\ncontainer is there\n"))
+        self.assertEqual((run.status, run.out), (0, "setup: all 26 packages are there\ncontainer is there\n"))
         self.assertEqual(run.calls, ["cmake --preset release", "cmake --build --preset release --target tavlo",
                                      "tavlo demo --container DIR"])
         self.assertFalse(run.container_left)
