@@ -144,7 +144,7 @@ class Requests {
 
   std::shared_ptr<Request> takeOldest() {
     const std::lock_guard lock(mutex_);
-    const std::shared_ptr<Request> oldest = std::move(waiting_.front());
+    std::shared_ptr<Request> oldest = std::move(waiting_.front());
     waiting_.pop_front();
     if (!asking_.empty() && asking_.front() == oldest) asking_.pop_front();
     return oldest;

@@ -21,7 +21,6 @@ using testing::ElementsAre;
 using testing::Optional;
 
 constexpr const char* kDelhi = "at 2836.8340,N,07712.5400,E";
-constexpr const char* kSydney = "at 3352.1280,S,15112.5580,E";
 
 MATCHER_P2(IsAt, latitude, longitude, "") {
   return testing::ExplainMatchResult(testing::DoubleNear(latitude, 1e-9), arg.coordinate.latitude, result_listener) &&
