@@ -113,12 +113,13 @@ void answerJson(const KeptPosition& position, const std::vector<LocationStep>& s
 }  // namespace
 
 void execute(const Locate& command, const Run& run) {
-  const Interrupt interrupt;  // before there are other threads
+  const linux_platform::Options outside = outsideOf(command);  // may read standard input, which Ctrl-C is to end
+  const Interrupt interrupt;                                   // before there are other threads
   const Patience patience{.until = std::chrono::steady_clock::now() + command.patience,
                           .wakeUp = interrupt.descriptor()};
   const auto session = std::make_shared<host::SessionRecord>();
   TavloPackage::install(session);
-  LocationWatch watch(Place(run.globals).makePlatform(outsideOf(command)));
+  LocationWatch watch(Place(run.globals).makePlatform(outside));
 
   const std::string inTheWay = fetch(watch, command, patience);
   const LocationReport report = watch.report();

@@ -57,6 +57,9 @@ class LocationWatch::WatchingPlatform final : public platform::Platform {
   platform::FileManager& fileManager() override { return real_->fileManager(); }
   platform::BackgroundQueue& backgroundQueue() override { return real_->backgroundQueue(); }
   platform::UrlData& urlData() override { return real_->urlData(); }
+  platform::Bundles& bundles() override { return real_->bundles(); }
+  platform::Images& images() override { return real_->images(); }
+  platform::Application& sharedApplication() override { return real_->sharedApplication(); }
   platform::LocationServices& locationServices() override { return services_; }
   std::shared_ptr<platform::Geocoder> makeGeocoder() override {
     return std::make_shared<Geocoder>(real_->makeGeocoder(), board_);

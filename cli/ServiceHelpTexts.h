@@ -10,7 +10,7 @@ inline constexpr const char* kLocateFooter =
     "to --timeout; an answer that is an error leaves the address empty. Without --wait nobody is\n"
     "asked for permission, and what is not allowed or not known prints (null).\n"
     "With --wait the exit code is 1 when there is no permission or no position. When time runs\n"
-    "out, and on Ctrl-C, it is 1, and what is known by then is printed.\n"
+    "out, and on Ctrl-C, it is 1, and what is known by then is printed and saved.\n"
     "\n"
     "Nothing is kept but by --save. --json prints a session file, which tavlo request takes.\n"
     "docs/locate.md has the steps and the table of places.\n"

@@ -59,11 +59,13 @@ void appendIndented(std::string& out, const JsonNode& node, const std::string& m
   out += isList ? ']' : '}';
 }
 
+// What is no file would block, or could not be replaced.
 bool isThere(const fs::path& file) {
   std::error_code error;
-  const bool there = fs::exists(file, error);
-  if (error) throw Failure("cannot look for " + file.string() + ": " + error.message() + "; give another file");
-  return there;
+  const fs::file_status status = fs::status(file, error);
+  if (!fs::exists(status)) return false;  // what else is in the way shows when it is written
+  if (fs::is_regular_file(status)) return true;
+  throw Failure(file.string() + " is no regular file; give another one");
 }
 
 JsonNode readSession(const std::string& path) {

@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <filesystem>
 #include <string>
@@ -99,6 +100,12 @@ TEST_F(SessionFileUpdate, WhatIsNoSessionFileStaysAsItWas) {
   EXPECT_EQ(refusal(),
             file() + ":1: packages: unknown key, expected package, uniqueUser, trackerRecords, identifiers or about");
   EXPECT_EQ(readFile(file()), R"({"packages": {}})");
+}
+
+TEST_F(SessionFileUpdate, WhatIsNoFileIsRefusedAndBlocksNobody) {
+  ASSERT_EQ(::mkfifo(file().c_str(), 0600), 0);
+
+  EXPECT_EQ(refusal(), file() + " is no regular file; give another one");
 }
 
 TEST_F(SessionFileUpdate, FolderThatIsMissingIsTold) {
