@@ -131,7 +131,11 @@ void execute(const Locate& command, const Run& run) {
   if (position.latitude && command.save) keepInSessionFile(*command.save, position);
   if (!inTheWay.empty()) throw Failure(inTheWay);
   if (!position.latitude) run.output.note(whyNoPosition(report) + (command.save ? "; nothing is saved" : ""));
-  if (report.error) run.output.note("the address is empty, since the look-up failed: " + *report.error);
+  if (!report.error) return;
+  const bool hasGeocoder = command.geocoder.service || command.geocoder.table;
+  run.output.note(hasGeocoder
+                      ? "the address is empty, since the look-up failed: " + *report.error
+                      : "the address is empty, since no geocoder is named; --geocoder URL or table:FILE names one");
 }
 
 }  // namespace tavlo::cli

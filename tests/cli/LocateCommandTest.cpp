@@ -130,6 +130,15 @@ TEST_F(LocateTest, PlaceThatIsTooFarLeavesTheAddressEmpty) {
                     "within 25000 m; the nearest is 5972018 m away\n"}));
 }
 
+TEST_F(LocateTest, WithoutAGeocoderTheNoteTellsHowToNameOne) {
+  const Result located = locate({"--fixed", "1,2"});
+
+  EXPECT_EQ(located.exitCode, 0);
+  EXPECT_THAT(located.out, testing::StartsWith("position  1.000000, 2.000000\naddress   \"\"\n"));
+  EXPECT_THAT(located.err, testing::EndsWith("\ntavlo: note: the address is empty, since no geocoder is named; "
+                                             "--geocoder URL or table:FILE names one\n"));
+}
+
 TEST_F(LocateTest, JsonIsASessionFileThatTheRequestTakes) {
   const Result located = locate({"--fixed=-33.8688,151.2093", "--geocoder", "table:places.json", "--json", "--quiet"});
 
