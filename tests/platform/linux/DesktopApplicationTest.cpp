@@ -8,6 +8,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
+#include <iterator>
 #include <memory>
 #include <ostream>
 #include <stdexcept>
@@ -257,6 +258,39 @@ TEST_F(OnADesktop, EachOfManyThreadsIsToldOnceWhenItsMenuGoesWithItsController) 
 
   for (int i = 0; i < kThreads * 5; ++i) EXPECT_EQ(outcomes_.next(), "cancelled: the menu was taken back");
   EXPECT_EQ(outcomes_.left(), 0U);
+}
+
+TEST_F(OnADesktop, MenusLeaveNoConnectionsBehind) {
+  PortalWorld desktop("whole");
+  constexpr int kMenus = 60;
+  const auto descriptors = [] {
+    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), std::filesystem::directory_iterator());
+  };
+  const auto before = descriptors();
+
+  for (int menu = 0; menu < kMenus; ++menu) {
+    const auto one = controller(url());
+    EXPECT_TRUE(present(*one));
+    EXPECT_EQ(desktop.next(), "asked - " + url());
+    desktop.tell("cancel");
+    EXPECT_EQ(outcomes_.next(), "cancelled: no app was chosen");
+  }
+
+  EXPECT_LT(descriptors(), before + kMenus / 2);  // those of the last ones may still be closing
+}
+
+TEST_F(OnADesktop, AProcessMayEndWithAMenuUp) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  ::setenv("TMPDIR", folder_.path().c_str(), 1);  // what the process leaves goes with this one
+
+  EXPECT_EXIT(
+      {
+        PortalWorld desktop("whole");
+        const auto one = controller(url());
+        if (!present(*one) || desktop.next() != "asked - " + url()) std::_Exit(3);
+        std::exit(0);
+      },
+      testing::ExitedWithCode(0), "");
 }
 
 struct Probe {

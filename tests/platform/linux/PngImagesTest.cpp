@@ -10,6 +10,7 @@
 #include <sstream>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <vector>
 
 #include "platform/linux/PngImages.h"
@@ -149,6 +150,24 @@ TEST(PngImages, AnImageOutlivesThePlatformThatLoadedIt) {
   images.reset();
 
   EXPECT_EQ(hexOf(image->pixels()), kSmallPixels);
+}
+
+TEST(PngImages, ManyThreadsDecodeAtOnce) {
+  const TemporaryFolder folder;
+  writeFile(folder / "small.png", kSmall);
+  PngImages images;
+  std::vector<std::thread> threads;
+
+  for (int i = 0; i < 8; ++i) {
+    threads.emplace_back([&] {
+      for (int round = 0; round < 100; ++round) {
+        const auto image = images.imageWithContentsOfFile((folder / "small.png").string());
+        EXPECT_EQ(image ? hexOf(image->pixels()) : "-", kSmallPixels);
+        EXPECT_EQ(decodePng(std::string_view(kSmall).substr(0, 60)), nullptr);
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
 }
 
 }  // namespace
