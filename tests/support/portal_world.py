@@ -155,8 +155,11 @@ def do(line):
     if line in actions:
         Chooser.waiting.answer(*actions[line])
     elif line == "end all":
-        for one in list(children):
-            end(one)
+        everything = list(children.values())
+        children.clear()  # so that nothing tells of its end
+        for child in everything:
+            child.kill()
+            child.wait()
         say("ended")
     elif line.startswith("end "):
         end(line.removeprefix("end "))
