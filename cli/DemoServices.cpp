@@ -45,7 +45,9 @@ void showPosition(DemoReport& report, const Place& place) {
   constexpr int kNothingElse = -1;  // there is nothing besides the answer to wait for
   static_cast<void>(watch.fetch({.until = std::chrono::steady_clock::now() + kPatience, .wakeUp = kNothingElse}));
 
-  for (const auto& [step, what] : locationSteps(watch.report(), true)) report.say(step + ": " + what);
+  for (const auto& [step, what] : locationSteps(watch.report(), true)) {
+    report.say(std::string(step).append(": ").append(what));
+  }
   report.check("the position has six decimals",
                session->getLatitude() == "52.518600" && session->getLongitude() == "13.408100");
   report.check("the address is that of the nearest place",

@@ -11,7 +11,7 @@ enum class WaitEnd : std::uint8_t { done, timedOut, interrupted };
 // How long to wait at most. `wakeUp` is a descriptor that has something to read when nothing is to be waited for.
 struct Patience {
   std::chrono::steady_clock::time_point until;
-  int wakeUp;
+  int wakeUp = -1;  // nothing
 };
 
 // Throws Failure from its constructor when the system has none.

@@ -114,7 +114,7 @@ class LocationWatch::WatchingPlatform final : public platform::Platform {
     const std::shared_ptr<Board> board_;
   };
 
-  // Ends the look-up when its handler has run, and also when the handler throws or is dropped.
+  // Ends the look-up when its handler has run or thrown, and also when the handler is dropped.
   class Ticket {
    public:
     explicit Ticket(std::shared_ptr<Board> board) : board_(std::move(board)) {}
@@ -127,6 +127,10 @@ class LocationWatch::WatchingPlatform final : public platform::Platform {
 
    private:
     const std::shared_ptr<Board> board_;
+  };
+
+  struct EndsTicket {
+    void operator()(const Ticket* ticket) const { ticket->end(); }
   };
 
   class Geocoder final : public platform::Geocoder {
@@ -144,11 +148,7 @@ class LocationWatch::WatchingPlatform final : public platform::Platform {
           seen.report.placemarks = placemarks;
           seen.report.error = error;
         });
-        struct End {
-          const Ticket& ticket;
-          ~End() { ticket.end(); }
-        };
-        const End end{*ticket};
+        const std::unique_ptr<const Ticket, EndsTicket> end(ticket.get());
         handler(placemarks, error);
       };
       real_->reverseGeocodeLocation(location, answered);

@@ -38,9 +38,9 @@ Place::Place(const Globals& globals) : quiet_(globals.quiet), container_(locate(
 
 fs::path Place::resources() const {
   std::error_code ignored;
-  const fs::path own = container_.folder() / "Resources";
+  fs::path own = container_.folder() / "Resources";
   if (fs::is_directory(own / kResourceBundleName, ignored)) return own;
-  const fs::path besideProgram = fs::read_symlink("/proc/self/exe", ignored).parent_path() / "Resources";
+  fs::path besideProgram = fs::read_symlink("/proc/self/exe", ignored).parent_path() / "Resources";
   return fs::is_directory(besideProgram / kResourceBundleName, ignored) ? besideProgram : own;
 }
 
