@@ -17,8 +17,9 @@
 //   allowed, with fixes                 on         3               the newest fix    3, the fix
 //   allowed, but no source of the       on         1               the newest fix    1; a fix is waited for
 //     desktop's has any accuracy
-//   daemon or bus ended while a client  see below  0               the newest fix    0, no fix
-//     started or lived
+//   daemon or bus ended, or no memory   see below  0               the newest fix    0, no fix
+//     was left, while a client started
+//     or lived
 //
 // A client that has ended leaves the newest fix, and the next requestAuthorization() starts anew. While a client is
 // allowed, authorization goes from 3 to 1 and back as the desktop's sources come and go.

@@ -1,5 +1,6 @@
 #include <geoclue.h>
 
+#include <new>
 #include <optional>
 #include <utility>
 
@@ -26,9 +27,16 @@ LocationState& state() {
 // The client, from its beginning to its end, which is one of: it is refused, time is up, the daemon or the bus ends.
 class Client : public std::enable_shared_from_this<Client> {
  public:
+  // Ends at once where there is no memory, so that whoever waits is answered.
   static void begin(const LocationOptions& options) {
-    current() = std::make_shared<Client>(options);
-    current()->start();
+    std::shared_ptr<Client> client;
+    try {
+      client = std::make_shared<Client>(options);
+      current() = client;
+      client->start();
+    } catch (...) {
+      client ? client->end() : state().ended(platform::kCLAuthorizationStatusNotDetermined);
+    }
   }
 
   explicit Client(const LocationOptions& options) : desktopId_(options.desktopId), limit_(options.authorization) {}
@@ -148,8 +156,12 @@ class Client : public std::enable_shared_from_this<Client> {
   }
   static void locationUpdated(GClueClient* /*client*/, const gchar* /*before*/, const gchar* path, gpointer data) {
     auto* const self = static_cast<Client*>(data);
-    gclue_location_proxy_new(self->connection_.get(), G_DBUS_PROXY_FLAGS_DO_NOT_CONNECT_SIGNALS, kService, path,
-                             self->cancellable_.get(), answered, kept(self->then(&Client::hasLocation)));
+    try {
+      gclue_location_proxy_new(self->connection_.get(), G_DBUS_PROXY_FLAGS_DO_NOT_CONNECT_SIGNALS, kService, path,
+                               self->cancellable_.get(), answered, kept(self->then(&Client::hasLocation)));
+    } catch (...) {  // none may reach GLib
+      self->end();
+    }
   }
 
   void stopTimer() {
@@ -205,14 +217,22 @@ class DesktopLocation final : public platform::LocationServices {
   std::shared_ptr<platform::LocationManager> makeLocationManager() override { return std::make_shared<Manager>(); }
 
   void requestAuthorization(StatusHandler answered) override {
-    if (!state().requestAuthorization(std::move(answered))) return;
-    const bool begins = MainLoop::post([options = options_] { Client::begin(options); });
-    if (!begins) state().ended(platform::kCLAuthorizationStatusNotDetermined);
+    if (state().requestAuthorization(std::move(answered)) && !begins()) {
+      state().ended(platform::kCLAuthorizationStatusNotDetermined);
+    }
   }
 
   void requestLocation(LocationHandler answered) override { state().requestLocation(std::move(answered)); }
 
  private:
+  bool begins() {
+    try {
+      return MainLoop::post([options = options_] { Client::begin(options); });
+    } catch (const std::bad_alloc&) {
+      return false;
+    }
+  }
+
   const LocationOptions options_;
 };
 

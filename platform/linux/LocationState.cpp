@@ -1,6 +1,8 @@
 #include "platform/linux/LocationState.h"
 
 #include <cmath>
+#include <memory>
+#include <new>
 #include <utility>
 
 #include "platform/linux/HttpTransfer.h"
@@ -22,9 +24,24 @@ WorkerQueue& answers() {
 }
 
 template <class Handler, class Answer>
+void tellHere(const Handler& handler, const Answer& answer) {
+  try {
+    handler(answer);
+  } catch (...) {  // it ends the handler's run; there is no one to tell
+  }
+}
+
+// Nothing may keep a handler from its answer, not even that there is no memory to pass it on with.
+template <class Handler, class Answer>
 void tell(Handler handler, const Answer& answer) {
   if (!handler) return;
-  answers().dispatchAsync([handler = std::move(handler), answer] { handler(answer); });
+  std::shared_ptr<Handler> shared;
+  try {
+    shared = std::make_shared<Handler>(std::move(handler));
+    answers().dispatchAsync([shared, answer] { (*shared)(answer); });
+  } catch (const std::bad_alloc&) {
+    tellHere(shared ? *shared : handler, answer);
+  }
 }
 
 template <class Handler, class Answer>

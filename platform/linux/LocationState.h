@@ -9,8 +9,10 @@
 // Values   statuses are those of platform/Location.h. The newest fix is kept when its client has ended.
 // Absent   no fix has come yet. An empty handler is not told. A fix that is no place on earth is none.
 // Threads  any thread, any time. Handlers run one after another on one thread of this process's own, with no lock
-//          held; the process's exit drops those that have not begun.
-// Throws   std::bad_alloc. What a handler throws ends its own run only.
+//          held; without memory for that, on the thread that brings the answer. The process's exit drops those that
+//          have not begun.
+// Throws   std::bad_alloc from the requests, which then are none; the rest nothing. What a handler throws ends its own
+//          run only.
 #pragma once
 
 #include <cstdint>
