@@ -25,13 +25,19 @@ class Inquiry : public std::enable_shared_from_this<Inquiry> {
   Inquiry(Text address, std::string service) : address_(std::move(address)), service_(std::move(service)) {}
 
   void begin() {
-    if (address_) return connectToBus(address_->c_str(), nullptr, then(&Inquiry::connected));
-    connectToSystemBus(nullptr, then(&Inquiry::connected));
+    cancellable_.reset(g_cancellable_new());
+    if (address_) return connectToBus(address_->c_str(), cancellable_.get(), then(&Inquiry::connected));
+    connectToSystemBus(cancellable_.get(), then(&Inquiry::connected));
   }
 
-  [[nodiscard]] bool awaitAnswer() {
+  // A bus that hangs would keep the connection for ever.
+  void giveUp() { g_cancellable_cancel(cancellable_.get()); }
+
+  // Absent: none has come in time.
+  [[nodiscard]] std::optional<bool> awaitAnswer() {
     std::unique_lock lock(mutex_);
-    return answers_.wait_for(lock, kPatience, [this] { return answer_.has_value(); }) && *answer_;
+    answers_.wait_for(lock, kPatience, [this] { return answer_.has_value(); });
+    return answer_;
   }
 
   void answer(bool yes) {
@@ -86,6 +92,7 @@ class Inquiry : public std::enable_shared_from_this<Inquiry> {
 
   const Text address_;
   const std::string service_;
+  Ref<GCancellable> cancellable_;
   Ref<GDBusConnection> connection_;
   std::mutex mutex_;
   std::condition_variable answers_;
@@ -95,7 +102,10 @@ class Inquiry : public std::enable_shared_from_this<Inquiry> {
 bool isOn(Text address, const std::string& service) {
   if (MainLoop::isCurrent()) return false;
   const auto inquiry = std::make_shared<Inquiry>(std::move(address), service);
-  return MainLoop::post([inquiry] { inquiry->begin(); }) && inquiry->awaitAnswer();
+  if (!MainLoop::post([inquiry] { inquiry->begin(); })) return false;
+  const std::optional<bool> answer = inquiry->awaitAnswer();
+  if (!answer) MainLoop::post([inquiry] { inquiry->giveUp(); });
+  return answer.value_or(false);
 }
 
 }  // namespace

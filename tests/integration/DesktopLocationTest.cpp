@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <filesystem>
+#include <iterator>
 #include <memory>
 #include <optional>
 #include <string>
@@ -173,6 +175,23 @@ TEST(DesktopLocationThread, WithoutABusServicesAreOffAndAFetchSaysNothing) {
     EXPECT_THAT(desktop.record().take(0), ElementsAre()) << address;
   }
   ::unsetenv("DBUS_SYSTEM_BUS_ADDRESS");
+}
+
+std::ptrdiff_t openDescriptors() {
+  const std::filesystem::directory_iterator open("/proc/self/fd");
+  return std::distance(begin(open), end(open));
+}
+
+TEST(DesktopLocationThread, ABusThatHangsKeepsNoConnectionOfWhoAskedIt) {
+  GeoClueWorld world;
+  Desktop desktop;
+  EXPECT_FALSE(desktop.services().locationServicesEnabled());
+  world.run("stop bus");
+  const std::ptrdiff_t before = openDescriptors();
+
+  for (int i = 0; i < 3; ++i) EXPECT_FALSE(desktop.services().locationServicesEnabled());
+
+  while (openDescriptors() > before) std::this_thread::yield();
 }
 
 TEST(DesktopLocationThread, ABusThatHangsCountsAsOff) {
