@@ -113,16 +113,21 @@ class Requests {
   }
 
   void add(Request request) {
+    const auto next = std::make_shared<Request>(std::move(request));
     {
       const std::lock_guard lock(mutex_);
-      waiting_.push_back(std::make_shared<Request>(std::move(request)));
-      if (!waiting_.back()->error) asking_.push_back(waiting_.back());
+      if (!next->error) asking_.push_back(next);
       if (asking_.size() > kMostWaiting) {
         asking_.front()->error = kOvertaken;
         asking_.pop_front();
       }
     }
-    queue_.dispatchAsync([this] { answerOldest(); });
+    try {
+      queue_.dispatchAsync([this, next] { answer(*next); });
+    } catch (...) {
+      leaveLine(*next);
+      throw;
+    }
   }
 
  private:
@@ -130,9 +135,8 @@ class Requests {
   Requests()
       : pace_(clock() ? std::move(clock()) : makeSteadyClock()), queue_((prepareHttp(), 1), [this] { cancel(); }) {}
 
-  void answerOldest() {
-    const std::shared_ptr<Request> next = takeOldest();
-    const Request& request = *next;
+  void answer(const Request& request) {
+    leaveLine(request);
     const AddressAnswer answer = request.error ? AddressAnswer{{}, request.error} : ask(*request.asker, request.place);
     if (isCancelled() || !request.handler) return;
     if (answer.error) {
@@ -142,12 +146,10 @@ class Requests {
     }
   }
 
-  std::shared_ptr<Request> takeOldest() {
+  // After that nothing changes it.
+  void leaveLine(const Request& request) {
     const std::lock_guard lock(mutex_);
-    std::shared_ptr<Request> oldest = std::move(waiting_.front());
-    waiting_.pop_front();
-    if (!asking_.empty() && asking_.front() == oldest) asking_.pop_front();
-    return oldest;
+    std::erase_if(asking_, [&](const auto& each) { return each.get() == &request; });
   }
 
   AddressAnswer ask(Asker& asker, const Coordinate& place) {
@@ -189,8 +191,7 @@ class Requests {
 
   RequestPace pace_;
   std::mutex mutex_;
-  std::deque<std::shared_ptr<Request>> waiting_;
-  std::deque<std::shared_ptr<Request>> asking_;  // those of them that will ask someone
+  std::deque<std::shared_ptr<Request>> asking_;  // those that wait and will ask someone
   HttpTransfer* underWay_ = nullptr;
   bool cancelled_ = false;
   WorkerQueue queue_;
