@@ -22,8 +22,12 @@ std::shared_ptr<platform::LocationManager> FixedPosition::makeLocationManager() 
   return std::make_shared<FixedManager>(location_);
 }
 
-void FixedPosition::requestAuthorization(StatusHandler answered) { answered(authorizationStatus()); }
+void FixedPosition::requestAuthorization(StatusHandler answered) {
+  if (answered) answered(authorizationStatus());
+}
 
-void FixedPosition::requestLocation(LocationHandler answered) { answered(location_); }
+void FixedPosition::requestLocation(LocationHandler answered) {
+  if (answered) answered(location_);
+}
 
 }  // namespace tavlo::host

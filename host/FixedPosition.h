@@ -5,6 +5,7 @@
 //
 // Values   the services are on and the permission is 3, always. A manager knows the position at once, whatever its
 //          filter and accuracy, started or not. The position goes through as it is, a place on Earth or not.
+// Absent   an empty handler is not told.
 // Threads  any thread, any time. What is asked for later is answered before the call returns, on the caller's thread.
 // Throws   what an answered handler throws.
 #pragma once

@@ -45,6 +45,13 @@ TEST(FixedPosition, AnswersBeforeTheCallReturns) {
   EXPECT_THAT(fixes, testing::ElementsAre(Location{kPlace}));
 }
 
+TEST(FixedPosition, AnEmptyHandlerIsNotTold) {
+  FixedPosition position(kPlace);
+
+  EXPECT_NO_THROW(position.requestAuthorization(nullptr));
+  EXPECT_NO_THROW(position.requestLocation(nullptr));
+}
+
 class FixedPlatform final : public platform::Platform {
  public:
   platform::LocationServices& locationServices() override { return position_; }
