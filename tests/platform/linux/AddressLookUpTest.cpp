@@ -61,6 +61,16 @@ TEST(AddressLookUp, WhatTheFetchThrowsIsTheError) {
   EXPECT_EQ(answer.error, "no answer today");
 }
 
+// The words are the library's.
+TEST(AddressLookUp, AnErrorThatIsNoTextIsOneAllTheSame) {
+  for (const char* error : {R"("")", "null", "404", "true", R"({"code":400,"message":"No"})", R"(["No"])"}) {
+    const AddressAnswer answer = lookUp(R"({"address":{"city":"C"},"error":)" + std::string(error) + "}");
+
+    EXPECT_EQ(answer.error, "Query not supported") << error;
+    EXPECT_EQ(answer.placemark, platform::Placemark()) << error;
+  }
+}
+
 TEST(AddressLookUp, AnswersCutAtEveryByteAreErrors) {
   const std::string whole = kAnswer;
 
