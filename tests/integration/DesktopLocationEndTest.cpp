@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
 #include <optional>
 #include <string>
 #include <thread>
@@ -110,6 +111,23 @@ TEST_F(DesktopLocationEndThread, APermissionThatWasRefusedCanBeGivenLater) {
   world_.run("agent 8");
 
   EXPECT_EQ(desktop_.authorize(), 3);
+}
+
+// The limit is for the decision alone; fixes go on to come when it is over.
+TEST_F(DesktopLocationEndThread, APermissionOutlastsTheTimeThatTheDecisionMayTake) {
+  constexpr std::chrono::seconds kLimit{3};
+  Desktop hasty({.domain = "org.example.player", .location = {.authorization = kLimit}});
+  ASSERT_EQ(hasty.authorize(), 3);
+  const auto over = std::chrono::steady_clock::now() + kLimit;
+
+  bool isOver = false;
+  for (bool south = true; !isOver; south = !south) {
+    isOver = std::chrono::steady_clock::now() > over;
+    world_.run(south ? kSydney : kDelhi);
+    waitForLatitude(south ? kLatitudeOfSydney : kLatitudeOfDelhi);
+  }
+
+  EXPECT_EQ(hasty.services().authorizationStatus(), 3);
 }
 
 TEST_F(DesktopLocationEndThread, AllPlatformsAndManagersShareOneClientAndItsFixes) {
