@@ -77,6 +77,7 @@ void LogFile::takeLines(const Take& take) {
       piece.remove_prefix(end + 1);
     }
     rest_ += piece;
+    if (rest_.size() >= kLongestLine) takeRest(take);
   }
 }
 

@@ -1,6 +1,7 @@
 // LogFile: the SDK's log file, read line by line.
 //
-// Values   a line is without its line feed.
+// Values   a line is without its line feed. One that reaches kLongestLine comes in parts, each as a line of its own,
+//          so that a file without line feeds needs no more memory than others.
 // Throws   Failure, which names the file: what has its name is no regular file, or cannot be read.
 #pragma once
 
@@ -17,6 +18,8 @@ namespace tavlo::cli {
 
 class LogFile {
  public:
+  static constexpr std::size_t kLongestLine = std::size_t{1} << 20U;  // bytes
+
   using Take = std::function<void(std::string_view line)>;
 
   // nullptr: there is none.

@@ -33,7 +33,8 @@ inline constexpr const char* kLog = "Show the SDK's log file, and hand it to ano
 inline constexpr const char* kLogFooter =
     "The log is CONTAINER/Documents/TavloCache/TavloLogFile.txt: one line a message, each with its\n"
     "time. The SDK's operations write it, once the cache directory is there. Control characters\n"
-    "are shown as escapes. --json has each line's time and message.\n"
+    "are shown as escapes. --json has each line's time and message. A line of more than 1 MiB is\n"
+    "printed in parts.\n"
     "\n"
     "Example:\n"
     "  tavlo log tail --lines 20";

@@ -62,6 +62,17 @@ TEST_F(LogTest, LineWithoutAnEndIsALine) {
   EXPECT_EQ(log({"tail", "--lines", "2"}).out, numbered(2, 2) + "half\n");
 }
 
+TEST_F(LogTest, LineOfMoreThanAMebibyteComesInParts) {
+  const std::string part((std::size_t{1} << 20U), 'x');
+  put("TavloLogFile.txt", part + part + "rest\nnext\n");
+
+  EXPECT_TRUE(log({"show"}).out == part + "\n" + part + "\nrest\nnext\n");
+  EXPECT_TRUE(log({"show", "--json"}).out == R"([{"time":null,"message":")" + part + R"("},{"time":null,"message":")" +
+                                                 part +
+                                                 R"("},{"time":null,"message":"rest"},{"time":null,"message":"next"}])"
+                                                 "\n");
+}
+
 // Its lines lie across the pieces that the file is read in.
 TEST_F(LogTest, TailOfALongLogFindsTheLinesAcrossPieces) {
   put("TavloLogFile.txt", numbered(1, 20000));
