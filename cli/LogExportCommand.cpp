@@ -12,6 +12,7 @@
 #include "cli/Event.h"
 #include "cli/Interrupt.h"
 #include "cli/Json.h"
+#include "cli/LogFile.h"
 #include "cli/Place.h"
 #include "common/Path.h"
 #include "common/Slot.h"
@@ -47,9 +48,12 @@ void answer(const char* outcome, const std::string& path, const Run& run) {
 }
 
 std::string remedy(const std::filesystem::path& path) {
-  std::error_code ignored;
-  if (!std::filesystem::exists(path, ignored)) {
-    return "the SDK's operations write the log once the cache directory is there, as tavlo cache fetch does";
+  try {
+    if (!LogFile::open(path)) {
+      return "the SDK's operations write the log once the cache directory is there, as tavlo cache fetch does";
+    }
+  } catch (const Failure&) {
+    return "check what lies there, and the rights to it";
   }
   return "run it in a desktop session with a portal, or take the file from where it is: " + path.string();
 }

@@ -41,13 +41,16 @@ std::string windowOf(const std::shared_ptr<platform::View>& view) {
   return isKnown && std::ranges::all_of(*handle, isPrintable) ? *handle : "";
 }
 
-// Empty where it cannot be read, and errno tells why.
-FileDescriptor openForReading(Syscalls& syscalls, const std::string& path) {
+// Empty where it cannot be read; `why` then tells.
+FileDescriptor openForReading(Syscalls& syscalls, const std::string& path, std::string& why) {
   FileDescriptor file = openFile(syscalls, path, O_RDONLY | O_NONBLOCK | O_NOCTTY);
   struct stat status {};
-  if (!file || uninterrupted([&] { return syscalls.fstat(file.get(), &status); }) != 0) return {};
+  if (!file || uninterrupted([&] { return syscalls.fstat(file.get(), &status); }) != 0) {
+    why = std::generic_category().message(errno) + ": " + path;
+    return {};
+  }
   if (S_ISREG(status.st_mode)) return file;
-  errno = EINVAL;
+  why = "no regular file: " + path;
   return {};
 }
 
@@ -69,8 +72,9 @@ class Controller final : public platform::DocumentInteractionController {
   // Why no menu is shown.
   std::optional<std::string> refusalOver(const std::string& window) {
     if (!path_) return "no file of this machine has the URL " + url_;
-    FileDescriptor file = openForReading(syscalls_, *path_);
-    if (!file) return std::generic_category().message(errno) + ": " + *path_;
+    std::string why;
+    FileDescriptor file = openForReading(syscalls_, *path_, why);
+    if (!file) return why;
     const auto menu = openInMenu(std::move(file), window, patience_, handler_);
     show(menu);
     return menu->awaitRefusal();

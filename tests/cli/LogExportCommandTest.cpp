@@ -4,6 +4,7 @@
 
 #include <csignal>
 #include <cstdlib>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -110,6 +111,14 @@ TEST_F(LogExportCommand, MissingLogHasARemedyOfItsOwn) {
                     "tavlo: the log was not handed on: No such file or directory: " + file() +
                         "; the SDK's operations write the log once the cache directory is there, as tavlo cache fetch "
                         "does\n"}));
+}
+
+TEST_F(LogExportCommand, LogThatIsNoFileHasARemedyOfItsOwn) {
+  std::filesystem::create_directories(file());
+
+  EXPECT_EQ(exportLog({"--quiet"}), (Result{1, "",
+                                            "tavlo: the log was not handed on: no regular file: " + file() +
+                                                "; check what lies there, and the rights to it\n"}));
 }
 
 }  // namespace

@@ -41,9 +41,9 @@ TEST_F(DesktopApplicationTest, OnlyARegularFileIsShown) {
   EXPECT_FALSE(present(*controller(url("gone"))));
   EXPECT_EQ(outcomes_.next(), "failed: No such file or directory: " + at("gone"));
   EXPECT_FALSE(present(*controller(url("fifo"))));
-  EXPECT_EQ(outcomes_.next(), "failed: Invalid argument: " + at("fifo"));
+  EXPECT_EQ(outcomes_.next(), "failed: no regular file: " + at("fifo"));
   EXPECT_FALSE(present(*controller("file://" + folder_.path().string())));
-  EXPECT_EQ(outcomes_.next(), "failed: Invalid argument: " + folder_.path().string());
+  EXPECT_EQ(outcomes_.next(), "failed: no regular file: " + folder_.path().string());
 }
 
 TEST_F(DesktopApplicationTest, WithoutASessionBusNothingIsShown) {
