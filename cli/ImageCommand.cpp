@@ -42,7 +42,8 @@ std::string whyAbsent(const std::string& name, const Found& found) {
   if (!kHasImages) return "this program was built without libpng, so no file is an image; build it with libpng";
   if (!found.bundle) return "there is no resource bundle " + found.bundlePath + "; put it there";
   if (!found.path) return "there is no file " + name + ".png in " + found.bundlePath + "; put it there";
-  return "cannot read " + *found.path + " as an image; put a PNG file of at most 16 MiB and 8192 x 8192 pixels there";
+  return "cannot read " + *found.path +
+         " as an image; put a PNG file there of at most 16 MiB, 8192 pixels a side and 16777216 pixels in all";
 }
 
 void preview(const platform::Image& image, const Run& run) {

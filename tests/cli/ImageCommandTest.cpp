@@ -96,10 +96,10 @@ TEST_F(ImageTest, ContainersOwnBundleComesFirst) {
 TEST_F(ImageTest, FileThatIsNoImageIsTold) {
   put("mute.png", kRed.substr(0, 40));
 
-  EXPECT_EQ(image({"mute"}),
-            (Result{0, "(null)\n",
-                    "tavlo: note: cannot read " + bundle() +
-                        "/mute.png as an image; put a PNG file of at most 16 MiB and 8192 x 8192 pixels there\n"}));
+  EXPECT_EQ(image({"mute"}), (Result{0, "(null)\n",
+                                     "tavlo: note: cannot read " + bundle() +
+                                         "/mute.png as an image; put a PNG file there of at most 16 MiB, 8192 pixels a "
+                                         "side and 16777216 pixels in all\n"}));
 }
 
 TEST_F(ImageTest, OutWritesTheFileAsItIs) {
