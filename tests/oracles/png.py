@@ -3,9 +3,10 @@
 
 Usage: png.py kinds      each kind of image there is, in several sizes
        png.py damaged    files that are no image, or are one in spite of what is wrong with them
+       png.py largest    images that just reach a limit; each is of one colour
 
 Prints one line a file: its name, width, height, the file and its RGBA pixels in hexadecimal, or "- - FILE -" where it
-is no image.
+is no image. Of the largest it prints one pixel.
 """
 
 import itertools
@@ -164,6 +165,24 @@ BROKEN = {
 }
 
 
+# Size, depth, colours, level of compression; all samples are 0.
+LARGEST = {
+    "widest": ((8192, 1), 8, RGBA, 9),
+    "highest": ((1, 8192), 8, RGBA, 9),
+    "most-pixels": ((8192, 2048), 1, GRAY, 9),
+    "most-tightly-packed": ((4096, 4096), 8, RGBA, 9),
+    "longest-row-not-packed-at-all": ((8192, 2), 16, RGBA, 0),
+}
+
+
+def largest():
+    for name, (size, depth, colours, level) in LARGEST.items():
+        row = (size[0] * SAMPLES[colours] * depth + 7) // 8 + 1
+        body = chunk(b"IDAT", zlib.compress(bytes(row * size[1]), level))
+        pixel = bytes(3) + (b"\xff" if colours == GRAY else b"\0")
+        yield name, size, SIGNATURE + head(*size, depth, colours) + body + END, pixel
+
+
 def main(arguments):
     if arguments == ["kinds"]:
         for name, (width, height), file, pixels in kinds():
@@ -173,6 +192,9 @@ def main(arguments):
             print(name, 1, 1, file.hex(), PIXEL.hex())
         for name, file in BROKEN.items():
             print(name, "-", "-", file.hex() or "-", "-")
+    elif arguments == ["largest"]:
+        for name, (width, height), file, pixel in largest():
+            print(name, width, height, file.hex(), pixel.hex())
     else:
         print(__doc__, file=sys.stderr)
         return 2

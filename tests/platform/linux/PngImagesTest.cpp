@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdint>
 #include <filesystem>
@@ -74,6 +75,23 @@ constexpr std::string_view kSmallPixels = "ff0000ff008000800000ffff000000fffffff
 TEST(PngImages, EveryKindOfImageBecomesItsPixels) { expectAsTold("kinds", 208); }
 
 TEST(PngImages, ADamagedFileIsAnImageOnlyIfItsPixelsAreSound) { expectAsTold("damaged", 46); }
+
+TEST(PngImages, AnImageThatJustReachesALimitIsOne) {
+  const auto all = samples("largest");
+  EXPECT_EQ(all.size(), 5U);
+  for (const Sample& sample : all) {
+    SCOPED_TRACE(sample.name);
+
+    const auto image = decodeExactly(sample.file);
+
+    ASSERT_TRUE(image);
+    EXPECT_EQ(std::to_string(image->width()), sample.width);
+    EXPECT_EQ(std::to_string(image->height()), sample.height);
+    ASSERT_EQ(image->pixels().size(), image->width() * image->height() * 4);
+    EXPECT_EQ(hexOf(image->pixels().first(4)), sample.pixels);
+    EXPECT_TRUE(std::ranges::equal(image->pixels().subspan(4), image->pixels().first(image->pixels().size() - 4)));
+  }
+}
 
 TEST(PngImages, AFileBecomesItsPixelsRowByRow) {
   const TemporaryFolder folder;
