@@ -87,6 +87,18 @@ TEST_F(LogExport, EachOneReleasesTheControllerBefore) {
   EXPECT_EQ(world_->controllersMade.made(), 2);
 }
 
+TEST_F(LogExport, ReleasesTheControllerBeforeItPresentsItsMenu) {
+  TavloUtility::getExportTavloSDKLog(nullptr);
+  static_cast<void>(world_->takeCalls());
+  world_->onControllerGone = [&] { world_->note("released", ""); };
+
+  TavloUtility::getExportTavloSDKLog(nullptr);
+
+  auto expected = exportOver("(none)");
+  expected.insert(expected.end() - 2, "released");
+  EXPECT_EQ(world_->takeCalls(), expected);
+}
+
 TEST_F(LogExport, PathIsEncodedInTheUrl) {
   world_->documents = "/app/Ä b#1";
 

@@ -2,7 +2,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "TavloUtility.h"
@@ -60,6 +62,21 @@ TEST_F(ResourceBundle, ThatComesLaterIsLoadedThenAndStaysWhenItGoes) {
   EXPECT_NE(loaded, nullptr);
   EXPECT_EQ(TavloUtility::frameworkBundle(), loaded);
   EXPECT_EQ(world_->takeCalls().back(), "log:Already Loaded framework bundle");
+}
+
+TEST_F(ResourceBundle, ThatAnotherCallLoadedMeanwhileStaysWhenThisOneFails) {
+  std::shared_ptr<platform::Bundle> ofTheOther;
+  bool came = false;
+  world_->onBundleSought = [&] {
+    if (std::exchange(came, true)) return;
+    ofTheOther = TavloUtility::frameworkBundle();
+    world_->directories.clear();
+  };
+
+  const auto found = TavloUtility::frameworkBundle();
+
+  EXPECT_NE(ofTheOther, nullptr);
+  EXPECT_EQ(found, ofTheOther);
 }
 
 TEST_F(ResourceBundle, PathHasOneSlashBetweenItsParts) {

@@ -67,6 +67,7 @@ class ResourcesPlatform final : public platform::Platform,
   Count bundlesMade;
   Count imagesMade;
   Count controllersMade;
+  std::function<void()> onBundleSought = [] {};  // while one is being opened
   std::function<void()> onImageGone = [] {};
   std::function<void()> onControllerGone = [] {};
 
@@ -144,6 +145,7 @@ class ResourcesPlatform final : public platform::Platform,
   Text mainBundleResourcePath() override { return note("mainBundleResourcePath", ""), resourcePath; }
   std::shared_ptr<platform::Bundle> bundleWithPath(const Text& path) override {
     note("bundleWithPath:", path);
+    onBundleSought();
     if (!path || !directories.contains(*path)) return nullptr;
     return std::make_shared<FakeBundle>(*this, *path);
   }
