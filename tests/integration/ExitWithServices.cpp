@@ -84,11 +84,11 @@ int main(int count, char** arguments) {
                                                          {"fork", forkAChildThatAsksAndExits},
                                                          {"statics", askWhileStaticsAreDestroyed}};
   if (count != 4 || !ways.contains(arguments[1])) return 2;
-  desktop = tavlo::linux_platform::make({.container = arguments[2],
-                                         .domain = "player",
-                                         .quietConsole = true,
-                                         .location = {.authorization = kFar},
-                                         .geocoding = {.url = arguments[3], .timeLimit = kFar}});
+  tavlo::linux_platform::Options options{.container = arguments[2], .domain = "player", .quietConsole = true};
+  options.location.authorization = kFar;
+  options.geocoding.url = arguments[3];
+  options.geocoding.timeLimit = kFar;
+  desktop = tavlo::linux_platform::make(options);
   ask();
   while (std::getchar() != '\n') {
   }
