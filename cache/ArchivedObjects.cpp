@@ -1,6 +1,5 @@
 #include "cache/ArchivedObjects.h"
 
-#include <cmath>
 #include <set>
 
 #include "cache/KeyedArchive.h"
@@ -31,7 +30,8 @@ const Value& fieldOf(Kind kind, const char* kindName, const Place& place, const 
 
 double asDouble(const Integer& integer) {
   if (integer.fitsSigned()) return static_cast<double>(static_cast<std::int64_t>(integer.low));
-  return std::ldexp(static_cast<double>(integer.high), 64) + static_cast<double>(integer.low);
+  constexpr double kTwoTo64 = 18446744073709551616.0;
+  return static_cast<double>(integer.high) * kTwoTo64 + static_cast<double>(integer.low);
 }
 
 }  // namespace
