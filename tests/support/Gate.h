@@ -1,7 +1,8 @@
-// Opened once, for any number of threads that wait for it.
+// Opened once, for any number of threads that wait for it. Who has waited may destroy it while open() still returns.
 #pragma once
 
 #include <condition_variable>
+#include <memory>
 #include <mutex>
 
 namespace tavlo::test {
@@ -9,19 +10,25 @@ namespace tavlo::test {
 class Gate {
  public:
   void open() {
-    const std::lock_guard lock(mutex_);
-    open_ = true;
-    opens_.notify_all();
+    const auto state = state_;
+    const std::lock_guard lock(state->mutex);
+    state->open = true;
+    state->opens.notify_all();
   }
   void wait() {
-    std::unique_lock lock(mutex_);
-    opens_.wait(lock, [this] { return open_; });
+    const auto state = state_;
+    std::unique_lock lock(state->mutex);
+    state->opens.wait(lock, [&] { return state->open; });
   }
 
  private:
-  std::mutex mutex_;
-  std::condition_variable opens_;
-  bool open_ = false;
+  struct State {
+    std::mutex mutex;
+    std::condition_variable opens;
+    bool open = false;
+  };
+
+  std::shared_ptr<State> state_ = std::make_shared<State>();
 };
 
 }  // namespace tavlo::test

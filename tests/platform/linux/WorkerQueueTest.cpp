@@ -77,11 +77,11 @@ TEST(WorkerQueueThread, OneWorkerRunsTasksInTheOrderInWhichTheyCame) {
 
 TEST(WorkerQueueThread, AsManyTasksRunAtOnceAsThereAreWorkersAndNoMore) {
   constexpr int kWorkers = 4;
-  WorkerQueue queue(kWorkers);
   std::mutex mutex;
   std::set<pid_t> workers;
   std::latch together(kWorkers);
   std::latch done(100);
+  WorkerQueue queue(kWorkers);  // goes first: a worker may be the last to leave `together`
 
   for (int i = 0; i < kWorkers; ++i) queue.dispatchAsync([&] { together.arrive_and_wait(); });
   together.wait();  // four at once, or it never ends
