@@ -1,13 +1,14 @@
 #!/usr/bin/env bash
-# Installs the Debian 12 packages that the build, the tests and, with --ci, the continuous integration need.
+# Installs the Debian 12 packages that the build, the tests and, when asked, benchmarks and continuous integration need.
 set -euo pipefail
 
-readonly USAGE="Usage: scripts/setup.sh [--ci] [-h]
+readonly USAGE="Usage: scripts/setup.sh [--bench] [--ci] [-h]
 
 Installs the Debian packages that are missing. With all of them there it needs neither network nor rights.
 
-  --ci   also what .ci/run needs: clang, its sanitizers, clang-format, clang-tidy
-  -h     this text"
+  --bench  also the libraries and programs that the benchmarks race against
+  --ci     also what .ci/run needs: clang, its sanitizers, clang-format, clang-tidy
+  -h       this text"
 
 packages=(
   g++ cmake ninja-build pkg-config libcli11-dev nlohmann-json3-dev libsqlite3-dev libcurl4-openssl-dev  # the product
@@ -15,6 +16,7 @@ packages=(
   libgtest-dev libgmock-dev libssl-dev libbenchmark-dev python3 openssl strace shellcheck locales       # the tests
   dbus geoclue-2.0 xdg-desktop-portal python3-dbus python3-gi
 )
+readonly BENCH_PACKAGES=(libboost-url1.81-dev libfmt-dev libgcrypt20-dev libplist-dev nettle-dev nginx-light curl)
 readonly CI_PACKAGES=(clang libclang-rt-14-dev clang-format-14 clang-tidy-14)
 
 fail() {
@@ -25,6 +27,7 @@ fail() {
 for argument in "$@"; do
   case "$argument" in
     -h | --help) echo "$USAGE"; exit 0 ;;
+    --bench) packages+=("${BENCH_PACKAGES[@]}") ;;
     --ci) packages+=("${CI_PACKAGES[@]}") ;;
     *) echo "$USAGE" >&2; exit 2 ;;
   esac
