@@ -7,8 +7,9 @@
 
 namespace tavlo::bench {
 
+void addIdentifiers(Races& races);
 void addUrlEncode(Races& races);
 
-inline constexpr std::array kAreas{addUrlEncode};
+inline constexpr std::array kAreas{addIdentifiers, addUrlEncode};
 
 }  // namespace tavlo::bench

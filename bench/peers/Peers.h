@@ -10,6 +10,7 @@ namespace tavlo::bench::peers {
 inline constexpr bool kBoostUrl = TAVLO_PEER_BOOST_URL;
 inline constexpr bool kCurl = TAVLO_PEER_CURL;
 inline constexpr bool kGLib = TAVLO_PEER_GLIB;
+inline constexpr bool kLibPlist = TAVLO_PEER_LIBPLIST;
 
 // Every byte but the unreserved ones as %XX.
 [[nodiscard]] std::string boostUrlEncode(std::string_view text);
