@@ -7,9 +7,11 @@
 
 namespace tavlo::bench {
 
+void addDigests(Races& races);
 void addIdentifiers(Races& races);
+void addLookUps(Races& races);
 void addUrlEncode(Races& races);
 
-inline constexpr std::array kAreas{addIdentifiers, addUrlEncode};
+inline constexpr std::array kAreas{addDigests, addIdentifiers, addLookUps, addUrlEncode};
 
 }  // namespace tavlo::bench
