@@ -9,9 +9,12 @@ namespace tavlo::bench {
 
 void addDigests(Races& races);
 void addIdentifiers(Races& races);
+void addImages(Races& races);
+void addLists(Races& races);
 void addLookUps(Races& races);
+void addSorts(Races& races);
 void addUrlEncode(Races& races);
 
-inline constexpr std::array kAreas{addDigests, addIdentifiers, addLookUps, addUrlEncode};
+inline constexpr std::array kAreas{addDigests, addIdentifiers, addImages, addLists, addLookUps, addSorts, addUrlEncode};
 
 }  // namespace tavlo::bench

@@ -14,6 +14,7 @@ inline constexpr bool kCurl = TAVLO_PEER_CURL;
 inline constexpr bool kGcrypt = TAVLO_PEER_GCRYPT;
 inline constexpr bool kGLib = TAVLO_PEER_GLIB;
 inline constexpr bool kLibPlist = TAVLO_PEER_LIBPLIST;
+inline constexpr bool kLibPng = TAVLO_PEER_LIBPNG;
 inline constexpr bool kNettle = TAVLO_PEER_NETTLE;
 inline constexpr bool kOpenSsl = TAVLO_PEER_OPENSSL;
 inline constexpr bool kSqlite = TAVLO_PEER_SQLITE;
