@@ -1,6 +1,5 @@
 #include "request/UrlEncode.h"
 
-#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstring>
@@ -25,38 +24,103 @@ constexpr auto kEncoded = [] {
   return table;
 }();
 
-const Encoded& encodedForm(char c) { return kEncoded[static_cast<unsigned char>(c)]; }
-bool stays(char c) { return encodedForm(c).length == 1; }
+constexpr std::size_t kStretch = 240;  // bytes; that many can be counted in one
+
+// All ones for a byte that stays, else all zeros, and without a branch: so the compiler counts many at once.
+constexpr std::uint8_t whereItStays(char c) {
+  const auto isIn = [](std::uint8_t byte, char first, char last) -> std::uint8_t {
+    return static_cast<std::uint8_t>(byte - first) <= last - first ? 0xFF : 0;
+  };
+  const auto byte = static_cast<std::uint8_t>(c);
+  std::uint8_t stays = isIn(byte | 0x20U, 'a', 'z');
+  stays |= isIn(byte, '0', '9');
+  stays |= isIn(byte, '-', '.');
+  stays |= isIn(byte, '_', '_');
+  stays |= isIn(byte, '~', '~');
+  return stays;
+}
+
+std::size_t encodedSize(std::string_view value) {
+  std::size_t size = 0;
+  while (!value.empty()) {
+    const std::string_view stretch = value.substr(0, kStretch);
+    std::uint8_t staying = 0;
+    for (std::size_t i = 0; i < stretch.size(); ++i) staying -= whereItStays(stretch[i]);
+    size += 3 * stretch.size() - 2 * std::size_t{staying};
+    value.remove_prefix(stretch.size());
+  }
+  return size;
+}
+
+constexpr std::size_t kWord = sizeof(std::uint64_t);
+
+constexpr std::uint64_t inEachByte(unsigned byte) { return byte * 0x0101'0101'0101'0101U; }
+
+// Whether all bytes of a word stay. Each comparison leaves its answer in the highest bit of a byte, worked out from
+// the other seven bits, so that no sum carries into the next byte.
+bool wordStays(const char* word) {
+  constexpr std::uint64_t kSevenBits = inEachByte(0x7F);
+  const auto isAtLeast = [](std::uint64_t bytes, char c) {
+    return bytes + inEachByte(0x80U - static_cast<unsigned>(c));
+  };
+  const auto differs = [](std::uint64_t bytes, char c) {
+    return (bytes ^ inEachByte(static_cast<unsigned>(c))) + kSevenBits;
+  };
+  std::uint64_t bytes = 0;
+  std::memcpy(&bytes, word, kWord);
+  const std::uint64_t ascii = bytes & kSevenBits;
+  const std::uint64_t lowerCase = ascii | inEachByte(0x20);
+  const std::uint64_t stays = (isAtLeast(lowerCase, 'a') & ~isAtLeast(lowerCase, 'z' + 1)) |
+                              (isAtLeast(ascii, '-') & ~isAtLeast(ascii, '9' + 1) & differs(ascii, '/')) |
+                              ~(differs(ascii, '_') & differs(ascii, '~'));
+  return ((~stays | bytes) & inEachByte(0x80)) == 0;
+}
+
+// Never for less than a word.
+bool allStay(std::string_view value) {
+  if (value.size() < kWord) return false;
+  const char* const last = value.data() + value.size() - kWord;  // it may overlap the one before
+  for (const char* word = value.data(); word < last; word += kWord) {
+    if (!wordStays(word)) return false;
+  }
+  return wordStays(last);
+}
+
+// Writes each byte as a whole table row without a branch; the next one overwrites what does not count.
+char* encode(std::string_view value, char* end) {
+  const auto write = [&end](char c) {
+    const Encoded& encoded = kEncoded[static_cast<unsigned char>(c)];
+    std::memcpy(end, &encoded, sizeof encoded);
+    end += encoded.length;
+  };
+  for (; value.size() >= kWord; value.remove_prefix(kWord)) {
+    for (std::size_t i = 0; i < kWord; ++i) write(value[i]);  // a fixed count, which the compiler unrolls
+  }
+  for (const char c : value) write(c);
+  return end;
+}
 
 }  // namespace
 
 void appendUrlEncoded(std::string& out, std::string_view value) {
-  // A run that stays is appended whole. What follows goes through a buffer, stretch by stretch: each byte is
-  // written as a whole table row without a branch, and the next one overwrites what does not count.
-  constexpr std::size_t kStretch = 64;
+  if (allStay(value)) {
+    out.append(value);
+    return;
+  }
   // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): only what was written is read
   std::array<char, 3 * kStretch + sizeof(Encoded)> buffer;
   while (!value.empty()) {
-    const auto run = static_cast<std::size_t>(std::find_if_not(value.begin(), value.end(), stays) - value.begin());
-    out.append(value, 0, run);
-    value.remove_prefix(run);
-
     const std::string_view stretch = value.substr(0, kStretch);
-    char* end = buffer.data();
-    for (const char c : stretch) {
-      const Encoded& encoded = encodedForm(c);
-      std::memcpy(end, &encoded, sizeof encoded);
-      end += encoded.length;
-    }
-    out.append(buffer.data(), end);
+    out.append(buffer.data(), encode(stretch, buffer.data()));
     value.remove_prefix(stretch.size());
   }
 }
 
 Text urlEncode(const Text& value) {
   if (!value) return std::nullopt;
-  std::string encoded;
-  appendUrlEncoded(encoded, *value);
+  Text encoded(std::in_place);
+  if (value->size() > kStretch) encoded->reserve(encodedSize(*value));  // a stretch is appended whole
+  appendUrlEncoded(*encoded, *value);
   return encoded;
 }
 

@@ -7,16 +7,19 @@
 
 #include "TavloUtility.h"
 #include "request/PackageReads.h"
+#include "request/UrlEncode.h"
 
 namespace {
 
 std::atomic<int> allocations = 0;
+std::atomic<std::size_t> lastAllocation = 0;  // bytes
 
 }  // namespace
 
 // None is inlined, or the compiler takes malloc and delete, or new and free, for a mistake.
 [[gnu::noinline]] void* operator new(std::size_t size) {
   ++allocations;
+  lastAllocation = size;
   if (void* const memory = std::malloc(size > 0 ? size : 1)) return memory;
   throw std::bad_alloc();
 }
@@ -51,6 +54,24 @@ TEST(AllocationTest, AQueryIsBuiltInOneBufferWithoutATextForEachPair) {
     const std::string query = request();
 
     EXPECT_EQ(allocations - before, 1) << query;
+  }
+}
+
+// Every character and every escape counts alike, wherever it stands in a long text.
+TEST(AllocationTest, AnEncodedTextIsOneAllocationOfItsSizeAndAShortOneIsNone) {
+  const std::string kinds = "azAZ09-._~ /:@[`{,^\x7F\x80\xDF\xFF%";
+  for (std::size_t length = 0; length <= 1000; ++length) {
+    Text text(std::in_place);
+    for (std::size_t i = 0; i < length; ++i) *text += kinds[(i * i + i / 7) % kinds.size()];
+    const int before = allocations;
+
+    const Text encoded = urlEncode(text);
+
+    const int expected = encoded->size() > 15 ? 1 : 0;
+    EXPECT_EQ(allocations - before, expected) << length;
+    if (length > 240) {
+      EXPECT_EQ(lastAllocation, encoded->size() + 1) << length;
+    }
   }
 }
 

@@ -49,6 +49,17 @@ TEST(UrlEncodeTest, TextsOfEveryLengthAreEncodedToTheirEnd) {
   }
 }
 
+TEST(UrlEncodeTest, OneEscapeIsFoundAtEveryPlaceOfATextThatElseStays) {
+  for (std::size_t length = 1; length <= 40; ++length) {
+    for (std::size_t place = 0; place < length; ++place) {
+      std::string text(length, 'x');
+      text[place] = '/';
+
+      EXPECT_EQ(urlEncode(text), std::string(place, 'x') + "%2F" + std::string(length - place - 1, 'x'));
+    }
+  }
+}
+
 TEST(UrlEncodeTest, AgreesWithASecondImplementationOnAllBytesAndPairs) {
   const auto lines = test::splitLines(test::runOracle("url_encode.py"));
 
