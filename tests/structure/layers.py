@@ -27,6 +27,10 @@ ARROWS = {
 }
 SYSTEM_USERS = {"platform/linux", "cli"}
 
+# What a phone carries: standard headers that would bring static objects and much code of their own stay out of it.
+CARRIED = {FACE, "common", "platform", *ROOMS}
+HEAVY_HEADERS = {"iostream", "regex", "locale"}
+
 # Each library's headers stand in one file only, of this folder.
 LIBRARIES = {
     "libcurl": (r"curl/.+", "platform/linux"),
@@ -108,6 +112,9 @@ class Check:
             self.report(name, f"includes {included}; this test may not assume a platform")
 
     def include_of_system(self, name, folder, included):
+        if included in HEAVY_HEADERS and folder in CARRIED:
+            self.report(name, f"<{included}> is too heavy for {folder}")
+            return
         if included in STANDARD_HEADERS or (folder in SYSTEM_USERS and SYSTEM_HEADER.fullmatch(included)):
             return
         for library, (headers, home) in LIBRARIES.items():
