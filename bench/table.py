@@ -3,7 +3,7 @@
 
 Ratios are of medians within one run, in which the repetitions of all contestants of a race are shuffled. The spread is
 the larger of the interquartile ranges of ours and of what the row is compared with, over the median; beyond 20 % the
-row is not decided.
+row is not decided. bench/footprint.py adds what the component costs before it is of any use.
 """
 
 import argparse
@@ -14,6 +14,8 @@ import subprocess
 import sys
 from datetime import datetime, timezone
 from pathlib import Path
+
+import footprint
 
 UNDECIDED = 0.20
 BEGIN, END = "<!-- the table: made by scripts/bench.sh -->", "<!-- the end of the table -->"
@@ -138,6 +140,8 @@ def machine():
 
 
 def markdown(races, exponents, about):
+    if not races:
+        return f"Measured {about}.\n"
     lines = [f"Measured {about}.", "", "| " + " | ".join(COLUMNS) + " |", "|" + "---|" * len(COLUMNS)]
     lines += ["| " + " | ".join(cell.replace("|", "\\|") for cell in row(race)) + " |" for race in races]
     if exponents:
@@ -147,6 +151,8 @@ def markdown(races, exponents, about):
 
 
 def text(races, exponents, about):
+    if not races:
+        return about
     rows = [COLUMNS, *map(row, races)]
     widths = [max(len(line[i]) for line in rows) for i in range(len(COLUMNS))]
     lines = ["  ".join(cell.ljust(width) for cell, width in zip(line, widths)).rstrip() for line in rows]
@@ -169,13 +175,16 @@ def main():
     options.add_argument("--results", type=Path, required=True, help="folder for results.json and results.md")
     options.add_argument("--only", default="", help="only operations whose name has this in it")
     options.add_argument("--repetitions", type=int, default=9)
+    options.add_argument("--footprint", type=Path, metavar="FOLDER",
+                         help="also measure the programs in FOLDER; as an operation it is called \"footprint\"")
     options.add_argument("--brief", action="store_true", help="small inputs, once and for a moment: does it still run?")
     options.add_argument("--document", type=Path, help="put the table between the markers in this file, too")
     given = options.parse_args()
 
     program = [given.program, "--brief"] if given.brief else [given.program]
     races = [race for race in listed(program) if given.only in race["operation"]]
-    if not races:
+    costs = given.footprint and given.only in "footprint"
+    if not races and not costs:
         sys.exit(f"bench: no operation has \"{given.only}\" in its name")
     for race in races:
         print(f"bench: {race['operation']}, {race['input']}", file=sys.stderr)
@@ -183,14 +192,21 @@ def main():
         judge(race)
     exponents, about = growth(races), machine()
     given.results.mkdir(parents=True, exist_ok=True)
-    table = markdown(races, exponents, about)
+    table, shown = markdown(races, exponents, about), text(races, exponents, about)
+    results = {"machine": about, "races": races, "growth": exponents}
+    if costs:
+        print("bench: footprint", file=sys.stderr)
+        results["footprint"] = footprint.measured(given.footprint, *((1,) if given.brief else ()))
+        table += "\n" + footprint.markdown(results["footprint"])
+        shown += "\n\n" + footprint.text(results["footprint"])
     (given.results / "results.md").write_text(table, encoding="utf-8")
     (given.results / "results.json").write_text(
-        json.dumps({"machine": about, "races": races, "growth": exponents}, indent=1, ensure_ascii=False), encoding="utf-8")
-    print(text(races, exponents, about))
+        json.dumps(results, indent=1, ensure_ascii=False), encoding="utf-8")
+    print(shown)
     if given.document:
         put(given.document, table)
-    return 1 if any(race["verdict"] == "missed" for race in races) and not given.brief else 0
+    missed = any(race["verdict"] == "missed" for race in races) or (costs and footprint.missed(results["footprint"]))
+    return 1 if missed and not given.brief else 0
 
 
 if __name__ == "__main__":

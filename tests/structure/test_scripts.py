@@ -10,7 +10,7 @@ import unittest
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[2]
-SCRIPTS = ["scripts/setup.sh", "scripts/test.sh", "scripts/demo.sh", ".ci/run"]
+SCRIPTS = ["scripts/bench.sh", "scripts/setup.sh", "scripts/test.sh", "scripts/demo.sh", ".ci/run"]
 REAL_TOOLS = ["bash", "dirname", "env", "grep", "mktemp", "rm", "xargs", "cat"]
 
 # A stand-in logs its name and arguments, prints what STDOUT_<name> says and ends with STATUS_<name>.
@@ -37,6 +37,12 @@ echo "tavlo $*" | sed "s|${@: -1}|DIR|" >> "$CALLS"
 exit "${STATUS_tavlo:-0}"
 """
 
+TABLE = """
+import os, sys
+with open(os.environ["CALLS"], "a") as calls: print("table.py", *sys.argv[1:], file=calls)
+sys.exit(int(os.environ.get("STATUS_table", "0")))
+"""
+
 UPDATE = "apt-get update --quiet --quiet"
 INSTALL = "apt-get install --yes --no-install-recommends "
 AS_ROOT = "sudo env DEBIAN_FRONTEND=noninteractive "
@@ -55,6 +61,8 @@ class Run:
             for name in REAL_TOOLS:
                 (tools / name).symlink_to(shutil.which(name, path="/usr/bin:/bin"))
             self.write(tree / "build/release/cli/tavlo", DEMO)
+            (tree / "bench").mkdir()
+            (tree / "bench/table.py").write_text(TABLE, encoding="utf-8")
             calls = Path(folder, "calls")
             calls.touch()
             done = subprocess.run(
@@ -150,6 +158,30 @@ class Demo(unittest.TestCase):
         self.assertEqual((run.status, run.container_left), (1, False))
 
 
+class Bench(unittest.TestCase):
+    BUILD = ["cmake --preset release", "cmake --build --preset release --target tavlo_bench tavlo_footprint"]
+    TABLE = ("table.py build/release/bench/tavlo_bench --results build/bench --footprint build/release/bench/footprint")
+
+    def test_BuildsAndMakesTheTable(self):
+        run = Run("scripts/bench.sh")
+
+        self.assertEqual((run.status, run.out), (0, "setup: all 33 packages are there\n"))
+        self.assertEqual(run.calls, [*self.BUILD, self.TABLE])
+
+    def test_PassesArgumentsOnAndStatusBack(self):
+        run = Run("scripts/bench.sh", "--only", "urlEncode", "--repetitions", "2", STATUS_table="1")
+
+        self.assertEqual((run.status, run.calls[-1]), (1, self.TABLE + " --only urlEncode --repetitions 2"))
+
+    def test_UnusableArgumentIsAUsageErrorBeforeAnythingRuns(self):
+        for arguments in (["--only"], ["--only", "a", "--document"], ["--repetitions", "0"], ["--repetitions", "some"]):
+            with self.subTest(arguments):
+                run = Run("scripts/bench.sh", *arguments)
+
+                self.assertEqual((run.status, run.out, run.calls), (2, "", []))
+                self.assertTrue(run.err.startswith("Usage: scripts/bench.sh "), run.err)
+
+
 class Ci(unittest.TestCase):
     def test_FirstLegIsTheSuiteAndItsFailureEndsTheRun(self):
         run = Run(".ci/run", STATUS_ctest="8")
@@ -177,9 +209,22 @@ class Ci(unittest.TestCase):
         self.assertEqual(run.status, 0)
         self.assertEqual(run.calls, ["cmake --preset tsan-clang", "cmake --build --preset tsan-clang",
                                      "ctest --preset tsan-clang --parallel 3 -R Thread",
-                                     "shellcheck scripts/demo.sh scripts/setup.sh scripts/test.sh .ci/run"])
+                                     "shellcheck scripts/bench.sh scripts/demo.sh scripts/setup.sh scripts/test.sh .ci/run"])
         self.assertIn("==> shell passed in", run.out)
         self.assertIn("==> all passed in", run.out)
+
+    def test_ToolsBringTheSecondCompilerAndThePeers(self):
+        run = Run(".ci/run", "tools")
+
+        self.assertEqual((run.status, run.calls), (0, []))
+        self.assertIn("setup: all 37 packages are there\n", run.out)
+
+    def test_ReleaseRunsAllRacesBriefly(self):
+        run = Run(".ci/run", "release")
+
+        self.assertEqual(run.calls[:3], [
+            "cmake --preset release", "cmake --build --preset release --target tavlo tavlo_bench tavlo_footprint",
+            "ctest --preset release -R ^Bench"])
 
     def test_UnknownLegIsAUsageErrorBeforeAnythingRuns(self):
         run = Run(".ci/run", "shell", "bogus")
@@ -189,7 +234,7 @@ class Ci(unittest.TestCase):
 
 class AllScripts(unittest.TestCase):
     def test_HelpIsPrintedAndNothingIsDone(self):
-        for script in ("scripts/setup.sh", "scripts/test.sh", "scripts/demo.sh"):
+        for script in ("scripts/bench.sh", "scripts/setup.sh", "scripts/test.sh", "scripts/demo.sh"):
             with self.subTest(script):
                 run = Run(script, "-h")
 
@@ -197,7 +242,7 @@ class AllScripts(unittest.TestCase):
                 self.assertTrue(run.out.startswith(f"Usage: {script} "), run.out)
 
     def test_UnknownArgumentIsAUsageError(self):
-        for script in ("scripts/setup.sh", "scripts/demo.sh"):
+        for script in ("scripts/bench.sh", "scripts/setup.sh", "scripts/demo.sh"):
             with self.subTest(script):
                 run = Run(script, "--bogus")
 

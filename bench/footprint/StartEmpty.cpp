@@ -1,0 +1,2 @@
+// What any C++ program of this toolchain costs.
+int main() {}
