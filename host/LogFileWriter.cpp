@@ -76,6 +76,10 @@ void LogFileWriter::writeHeldBack() {
   // Opened for reading too, which does not wait for a reader if a pipe has come into the way meanwhile.
   file.open(file_, std::ios::in | std::ios::app | std::ios::binary);
   if (!file.is_open()) return;
+  if (type == fs::file_type::not_found) {  // before there is a line in it
+    constexpr auto kNoLink = fs::perm_options::replace | fs::perm_options::nofollow;
+    fs::permissions(file_, fs::perms::owner_read | fs::perms::owner_write, kNoLink, ignored);
+  }
 
   if (dropped_ > 0) {
     const std::string count = std::to_string(dropped_);

@@ -1,7 +1,8 @@
 // LogFileWriter: the SDK's log as a file, DOCUMENTS/TavloCache/TavloLogFile.txt.
 //
 // Values   one line a message, appended: "2026-11-21T09:30:00.123Z <message>", UTC. A line feed in a message
-//          is written as "\n" and a carriage return as "\r" (two characters each); all else as it comes.
+//          is written as "\n" and a carriage return as "\r" (two characters each); all else as it comes. A file that
+//          is made gets mode 0600; one that is there keeps its own.
 // Absent   the cache directory is never made here. While the file cannot be opened (no directory yet,
 //          something in the way that is no regular file, a symbolic link included), lines are held back,
 //          64 KiB at most with their newlines, and written before the next one that can be. What has no

@@ -57,6 +57,17 @@ TEST_F(LogFileWriterTest, WhatIsInTheFileStays) {
   EXPECT_EQ(test::readFile(file), "older\n" + kStamp + "newer\n");
 }
 
+TEST_F(LogFileWriterTest, TheFileIsItsUsersAloneUnlessSomebodyElseMadeIt) {
+  makeDirectory();
+
+  writer.writeLine("made here");
+  EXPECT_EQ(fs::status(file).permissions(), fs::perms(0600));
+
+  fs::permissions(file, fs::perms(0640));
+  writer.writeLine("shared by the host");
+  EXPECT_EQ(fs::status(file).permissions(), fs::perms(0640));
+}
+
 TEST_F(LogFileWriterTest, LinesWaitForTheDirectoryAndDoNotMakeIt) {
   writer.writeLine("one");
   clock.now = at(2026, 11, 21, kHalfPastNine + 1s);

@@ -78,6 +78,15 @@ TEST_F(CacheOnRealFiles, AListThatIsAFifoIsAbsentAndBlocksNobody) {
   EXPECT_EQ(world_.names("TavloCache"), (Lines{"VideoListAPI"}));
 }
 
+// Stored names are the SDK's own, and are not looked into.
+TEST_F(CacheOnRealFiles, AStoredNameMayLeadOutOfTheCache) {
+  world_.putFolder("TavloCache");
+  world_.put("beside", "x");
+
+  EXPECT_EQ(TavloUtility::getCacheVideoPathOfSavedInDB("../beside"), world_.place("TavloCache/../beside"));
+  EXPECT_EQ(TavloUtility::getDocumentDirectoryPath("../beside"), world_.place("TavloCache/../beside"));
+}
+
 TEST_F(CacheOnRealFiles, LinksAreClearedAndNeverFollowed) {
   world_.putFolder("TavloCache");
   world_.putFolder("TavloCache/sub");
