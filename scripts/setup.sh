@@ -10,9 +10,11 @@ Installs the Debian packages that are missing. With all of them there it needs n
   --ci     also what .ci/run needs: clang, its sanitizers, clang-format, clang-tidy
   -h       this text"
 
+# What the product is made of; scripts/sbom.py reads it here.
+readonly LIBRARIES=(libcli11-dev nlohmann-json3-dev libsqlite3-dev libcurl4-openssl-dev libglib2.0-dev libgeoclue-2-dev
+  libgeocode-glib-dev libpng-dev)
 packages=(
-  g++ cmake ninja-build pkg-config libcli11-dev nlohmann-json3-dev libsqlite3-dev libcurl4-openssl-dev  # the product
-  libglib2.0-dev libgeoclue-2-dev libgeocode-glib-dev libpng-dev
+  g++ cmake ninja-build pkg-config "${LIBRARIES[@]}"
   libgtest-dev libgmock-dev libssl-dev libbenchmark-dev python3 openssl strace shellcheck locales       # the tests
   dbus geoclue-2.0 xdg-desktop-portal python3-dbus python3-gi
 )
