@@ -12,9 +12,12 @@ void addIdentifiers(Races& races);
 void addImages(Races& races);
 void addLists(Races& races);
 void addLookUps(Races& races);
+void addRequests(Races& races);
 void addSorts(Races& races);
+void addTracker(Races& races);
 void addUrlEncode(Races& races);
 
-inline constexpr std::array kAreas{addDigests, addIdentifiers, addImages, addLists, addLookUps, addSorts, addUrlEncode};
+inline constexpr std::array kAreas{addDigests,  addIdentifiers, addImages,  addLists,    addLookUps,
+                                   addRequests, addSorts,       addTracker, addUrlEncode};
 
 }  // namespace tavlo::bench
