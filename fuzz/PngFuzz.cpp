@@ -1,22 +1,17 @@
 // Any bytes end in no image or in one that is whole and within the limits, and in the same one again. Each input is
 // tried as it is and with the checksums of its chunks made right, since hardly any mutation would pass them.
 #include <algorithm>
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 
+#include "fuzz/Promise.h"
 #include "platform/linux/PngImages.h"
 
 namespace {
 
+using tavlo::fuzz::require;
 using tavlo::linux_platform::decodePng;
 using tavlo::linux_platform::PngImages;
-
-void require(bool holds) {
-  if (!holds) std::abort();
-}
 
 std::uint32_t checksum(std::string_view bytes) {
   std::uint32_t crc = ~std::uint32_t{0};
@@ -44,19 +39,19 @@ std::string mended(std::string file) {
 void decodeTwice(std::string_view file) {
   const auto image = decodePng(file);
   const auto again = decodePng(file);
-  require((image == nullptr) == (again == nullptr));
+  require((image == nullptr) == (again == nullptr), "the same bytes are an image each time");
   if (!image) return;
-  require(image->width() > 0 && image->width() <= PngImages::kLongestSide);
-  require(image->height() > 0 && image->height() <= PngImages::kLongestSide);
-  require(image->width() * image->height() <= PngImages::kMostPixels);
-  require(image->pixels().size() == image->width() * image->height() * 4);
-  require(std::ranges::equal(image->pixels(), again->pixels()));
+  require(image->width() > 0 && image->width() <= PngImages::kLongestSide, "the width is within the limit");
+  require(image->height() > 0 && image->height() <= PngImages::kLongestSide, "the height is within the limit");
+  require(image->width() * image->height() <= PngImages::kMostPixels, "the pixels are within the limit");
+  require(image->pixels().size() == image->width() * image->height() * 4, "the image is whole");
+  require(std::ranges::equal(image->pixels(), again->pixels()), "the same bytes are the same image");
 }
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const std::string_view file(reinterpret_cast<const char*>(data), size);
+  const std::string_view file = tavlo::fuzz::textOf(data, size);
   decodeTwice(file);
   decodeTwice(mended(std::string(file)));
   return 0;
