@@ -21,8 +21,8 @@ class ResponseHead {
 
   [[nodiscard]] bool add(std::string_view line);
 
-  // The last head has ended and is not an interim one.
-  [[nodiscard]] bool isComplete() const { return ended_ && !interim_; }
+  // The last head, from its status line on, has ended and is not an interim one.
+  [[nodiscard]] bool isComplete() const { return begun_ && ended_ && !interim_; }
 
   [[nodiscard]] std::optional<std::uint64_t> contentLength() const { return length_; }
 

@@ -41,6 +41,16 @@ TEST(ResponseHead, ThatIsInterimIsNotComplete) {
   EXPECT_TRUE(head.isComplete());
 }
 
+TEST(ResponseHead, WithoutAStatusLineIsNotComplete) {
+  ResponseHead head(1000);
+
+  EXPECT_TRUE(addAll(head, {"A: b\r\n", kEnd}));
+  EXPECT_FALSE(head.isComplete());
+  EXPECT_TRUE(addAll(head, {kOk, kEnd}));
+
+  EXPECT_TRUE(head.isComplete());
+}
+
 TEST(ResponseHead, HasTheLengthOfItsOwnResponse) {
   ResponseHead head(1000);
 
