@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cstddef>
+#include <utility>
 #include <vector>
 
 #include "common/Utf8.h"
@@ -21,8 +23,27 @@ constexpr std::string_view kLast =
 
 struct Key {
   std::size_t at;  // behind the quote
-  std::string_view name;
+  std::string_view written;
+  std::string name;
 };
+
+// What the key means: letters may be written as escapes, all other escapes are in no name that counts.
+std::string nameOf(std::string_view written) {
+  constexpr std::string_view kEscape = "\\u00";
+  std::string name;
+  for (; !written.empty(); written.remove_prefix(1)) {
+    unsigned letter = 0;
+    const char* const digits = written.data() + kEscape.size();
+    if (written.starts_with(kEscape) && written.size() >= 6 &&
+        std::from_chars(digits, digits + 2, letter, 16).ptr == digits + 2) {
+      name += static_cast<char>(letter);
+      written.remove_prefix(5);
+    } else {
+      name += written.front();
+    }
+  }
+  return name;
+}
 
 // Goes through the text by brackets and strings only.
 class Scan {
@@ -60,14 +81,18 @@ class Scan {
     }
     const std::size_t next = at < text_.size() ? text_.find_first_not_of(kBlanks, at + 1) : std::string_view::npos;
     const bool isKey = next != std::string_view::npos && text_[next] == ':';
-    if (isKey) key({begin, text_.substr(begin, at - begin)});
+    const std::string_view written = text_.substr(begin, at - begin);
+    if (isKey) key({.at = begin, .written = written, .name = nameOf(written)});
     return at;
   }
 
-  void key(const Key& key) {
-    if (open_.size() == 1) inAddress_ = key.name == "address";
+  void key(Key key) {
+    if (open_.size() == 1) {
+      inAddress_ = key.name == "address";
+      if (inAddress_) places_.clear();  // a second one replaces the first
+    }
     const bool isPlace = std::find(kPlaces.begin(), kPlaces.end(), key.name) != kPlaces.end();
-    if (open_.size() == 2 && inAddress_ && isPlace) places_.push_back(key);
+    if (open_.size() == 2 && inAddress_ && isPlace) places_.push_back(std::move(key));
   }
 
   bool bracket(std::size_t at) {
@@ -110,7 +135,7 @@ std::optional<std::string> preparedNominatimAnswer(std::string_view answer) {
   for (const Key& key : scan.places()) {
     prepared += answer.substr(copied, key.at - copied);
     prepared += key.name == best ? "city" : "-";
-    copied = key.at + key.name.size();
+    copied = key.at + key.written.size();
   }
   prepared += answer.substr(copied, scan.end() - copied);
   return prepared.append(kLast);

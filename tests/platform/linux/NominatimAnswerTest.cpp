@@ -41,6 +41,14 @@ INSTANTIATE_TEST_SUITE_P(
                              R"(,"address":{"road":"town","x":["city"]})"},
                     Prepared{"OtherMembers", R"({"town":"A","x":{"town":"B"},"address":{"y":{"town":"C"}}})",
                              R"(,"town":"A","x":{"town":"B"},"address":{"y":{"town":"C"}})"},
+                    // The library keeps the last of two members of one name, so only that one's place counts.
+                    Prepared{"TwoAddresses", R"({"address":{"town":"A"},"address":{"village":"B"}})",
+                             R"(,"address":{"town":"A"},"address":{"city":"B"})"},
+                    // The library reads escapes in names, too.
+                    Prepared{"EscapedNames", R"({"addr\u0065ss":{"t\u006Fwn":"A","c\u0069ty":"B"}})",
+                             R"(,"addr\u0065ss":{"-":"A","city":"B"})"},
+                    Prepared{"EscapesOfNoName", R"({"address":{"\u00":"A","town\u00f":"B","\u0174own":"C"}})",
+                             R"(,"address":{"\u00":"A","town\u00f":"B","\u0174own":"C"})"},
                     Prepared{"BracketsAndQuotesInStrings", R"({"a":"}\"]{","address":{"town":"\\"}})",
                              R"(,"a":"}\"]{","address":{"city":"\\"})"}),
     kCaseName);
