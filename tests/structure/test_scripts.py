@@ -1,83 +1,18 @@
 #!/usr/bin/python3
-"""The shell scripts, run in a copy of their folders with every tool they call replaced by one that writes down
-how it was called."""
+"""What the shell scripts call and tell."""
 
 import os
 import shutil
 import subprocess
-import tempfile
 import unittest
-from pathlib import Path
 
-ROOT = Path(__file__).resolve().parents[2]
-SCRIPTS = ["scripts/bench.sh", "scripts/setup.sh", "scripts/test.sh", "scripts/demo.sh", ".ci/run"]
-REAL_TOOLS = ["bash", "dirname", "env", "grep", "mktemp", "rm", "xargs", "cat"]
+from script_run import ROOT, Run
 
-# A stand-in logs its name and arguments, prints what STDOUT_<name> says and ends with STATUS_<name>.
-STAND_IN = """
-name=$(basename "$0" | tr -c 'a-z0-9\\n' _)
-echo "$(basename "$0") $*" >> "$CALLS"
-out=STDOUT_$name status=STATUS_$name
-[ -z "${!out:-}" ] || echo "${!out}"
-exit "${!status:-0}"
-"""
-SPECIAL = {
-    "dpkg-query": """
-[[ " ${UNKNOWN:-} " == *" ${@: -1} "* ]] && exit 1
-[[ " ${REMOVED:-} " == *" ${@: -1} "* ]] && echo config-files || echo installed
-""",
-    "sudo": 'echo "sudo $*" >> "$CALLS"; exec "$@"',
-    "id": 'echo "${FAKE_UID:-0}"',
-    "nproc": "echo 3",
-}
-STAND_INS = ["apt-get", "cmake", "ctest", "git", "clang-format-14", "clang-tidy-14", "shellcheck"]
-DEMO = """
-echo "tavlo $*" | sed "s|${@: -1}|DIR|" >> "$CALLS"
-[ -d "${@: -1}" ] && echo "container is there" && echo "${@: -1}" > container
-exit "${STATUS_tavlo:-0}"
-"""
-
-TABLE = """
-import os, sys
-with open(os.environ["CALLS"], "a") as calls: print("table.py", *sys.argv[1:], file=calls)
-sys.exit(int(os.environ.get("STATUS_table", "0")))
-"""
+SCRIPTS = ["scripts/bench.sh", "scripts/fuzz.sh", "scripts/setup.sh", "scripts/test.sh", "scripts/demo.sh", ".ci/run"]
 
 UPDATE = "apt-get update --quiet --quiet"
 INSTALL = "apt-get install --yes --no-install-recommends "
 AS_ROOT = "sudo env DEBIAN_FRONTEND=noninteractive "
-
-
-class Run:
-    """One run of a script, from another folder than the tree's."""
-
-    def __init__(self, script, *arguments, without=(), **environment):
-        with tempfile.TemporaryDirectory() as folder:
-            tree, tools = Path(folder, "tree"), Path(folder, "tools")
-            shutil.copytree(ROOT / "scripts", tree / "scripts")
-            shutil.copytree(ROOT / ".ci", tree / ".ci")
-            for name in {*STAND_INS, *SPECIAL}.difference(without):
-                self.write(tools / name, SPECIAL.get(name, STAND_IN))
-            for name in REAL_TOOLS:
-                (tools / name).symlink_to(shutil.which(name, path="/usr/bin:/bin"))
-            self.write(tree / "build/release/cli/tavlo", DEMO)
-            (tree / "bench").mkdir()
-            (tree / "bench/table.py").write_text(TABLE, encoding="utf-8")
-            calls = Path(folder, "calls")
-            calls.touch()
-            done = subprocess.run(
-                ["/bin/bash", tree / script, *arguments], cwd="/", stdin=subprocess.DEVNULL, capture_output=True,
-                text=True, env={"PATH": str(tools), "CALLS": str(calls), "TMPDIR": folder, **environment})
-            self.status, self.out, self.err = done.returncode, done.stdout, done.stderr
-            self.calls = calls.read_text(encoding="utf-8").splitlines()
-            container = tree / "container"
-            self.container_left = container.exists() and Path(container.read_text(encoding="utf-8").strip()).exists()
-
-    @staticmethod
-    def write(path, text):
-        path.parent.mkdir(parents=True, exist_ok=True)
-        path.write_text(f"#!/bin/bash\nPATH=$PATH:/usr/bin:/bin\n{text}", encoding="utf-8")
-        path.chmod(0o755)
 
 
 class Setup(unittest.TestCase):
@@ -209,7 +144,8 @@ class Ci(unittest.TestCase):
         self.assertEqual(run.status, 0)
         self.assertEqual(run.calls, ["cmake --preset tsan-clang", "cmake --build --preset tsan-clang",
                                      "ctest --preset tsan-clang --parallel 3 -R Thread",
-                                     "shellcheck scripts/bench.sh scripts/demo.sh scripts/setup.sh scripts/test.sh .ci/run"])
+                                     "shellcheck scripts/bench.sh scripts/demo.sh scripts/fuzz.sh scripts/setup.sh "
+                                     "scripts/test.sh .ci/run"])
         self.assertIn("==> shell passed in", run.out)
         self.assertIn("==> all passed in", run.out)
 
