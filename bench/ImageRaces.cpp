@@ -59,7 +59,7 @@ peers::Pixels picture(std::size_t side) {
   return pixels;
 }
 
-Race& addDecoding(Races& races, const std::string& name, const std::string& path) {
+[[maybe_unused]] Race& addDecoding(Races& races, const std::string& name, const std::string& path) {
   Race& race = races.add("PNG decode", name);
   race.ours([=] { return DecodedImage{linux_platform::PngImages().imageWithContentsOfFile(path)}; });
   race.peer("libpng, simplified", [=] { return peers::pngRead(path); });
