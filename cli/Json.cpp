@@ -230,6 +230,11 @@ JsonNode parseJson(std::string_view document, std::size_t deepest) {
   TreeBuilder builder(position, deepest);
   Json::sax_parse(CountingIterator(document.data(), position),
                   CountingIterator(document.data() + document.size(), position), &builder);
+  // The parser takes a NUL between two tokens for the end, and that is the one place where it lets one through.
+  if (document.find('\0') != std::string_view::npos) {
+    throw JsonError(position.tokenLine,
+                    "broken JSON: a NUL byte where the text should end; save it as UTF-8 without one");
+  }
   return builder.take();
 }
 

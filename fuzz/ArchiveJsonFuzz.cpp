@@ -43,6 +43,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     require(!std::string_view(error.what()).empty(), "an error says what is wrong");
     return 0;
   }
+  require(document.find('\0') == std::string_view::npos, "the whole text is read");
   checkLayout(value, cli::ArchiveLayout::oneLine);
   checkLayout(value, cli::ArchiveLayout::indented);
   return 0;

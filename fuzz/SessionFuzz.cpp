@@ -99,6 +99,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     checkFailure(failure.what(), document);
     return 0;
   }
+  require(document.find('\0') == std::string_view::npos, "the whole file is read");
   const Value whole = documentOf(*session);
   for (const cli::JsonMember& section : cli::parseJson(document).members) {
     if (section.key == "package" || section.key == "uniqueUser" || section.key == "identifiers") {

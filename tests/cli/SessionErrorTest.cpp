@@ -110,6 +110,11 @@ const std::vector<ErrorCase> kBroken{
      "3: broken JSON: syntax error while parsing value - invalid string: ill-formed UTF-8 byte; last read: '\"a\xFF'"},
     {"SomethingAfterTheEnd", "{}\n\n{}",
      "3: broken JSON: syntax error while parsing value - unexpected '{'; expected end of input"},
+    // The parser takes it for the end of the text, whatever follows.
+    {"NulAfterTheEnd", std::string("{}\n\0[", 5),
+     "2: broken JSON: a NUL byte where the text should end; save it as UTF-8 without one"},
+    {"NulInTheMiddle", std::string("{\n\"about\":\0 1}", 14),
+     "2: broken JSON: syntax error while parsing value - unexpected end of input; expected '[', '{', or a literal"},
     {"DeepNesting", "{\"about\":\n" + std::string(64, '['), "2: expected at most 64 levels of nesting"},
 };
 
