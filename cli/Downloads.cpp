@@ -68,7 +68,7 @@ class Downloads::Board {
     const std::lock_guard lock(mutex_);
     downloads_[index].isDone = true;
     const std::uint64_t one = 1;
-    static_cast<void>(::write(ended_, &one, sizeof one));
+    [[maybe_unused]] const ssize_t written = ::write(ended_, &one, sizeof one);
   }
 
   [[nodiscard]] DownloadCounts counts() const {
@@ -187,7 +187,7 @@ bool Downloads::wait(int wakeUp, const std::function<void(const DownloadCounts&)
     if (::poll(watched.data(), watched.size(), -1) < 0) continue;  // a signal came
     if (watched[1].revents != 0) return false;
     std::uint64_t ignored = 0;
-    static_cast<void>(::read(board_->ended(), &ignored, sizeof ignored));
+    [[maybe_unused]] const ssize_t count = ::read(board_->ended(), &ignored, sizeof ignored);
   }
 }
 

@@ -30,7 +30,7 @@ Event::~Event() { ::close(descriptor_); }
 
 void Event::happen() noexcept {
   const std::uint64_t one = 1;
-  static_cast<void>(::write(descriptor_, &one, sizeof one));
+  [[maybe_unused]] const ssize_t written = ::write(descriptor_, &one, sizeof one);
 }
 
 WaitEnd Event::wait(const Patience& patience) {

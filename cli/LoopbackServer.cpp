@@ -51,7 +51,7 @@ LoopbackServer::LoopbackServer(Pages pages)
 
 LoopbackServer::~LoopbackServer() {
   const std::uint64_t one = 1;
-  static_cast<void>(::write(stop_.get(), &one, sizeof one));
+  [[maybe_unused]] const ssize_t written = ::write(stop_.get(), &one, sizeof one);
   thread_.join();
 }
 
