@@ -1,5 +1,7 @@
 # What all targets of the project share: the language, the warnings, the sanitizers, and the library of the
 # rooms, which each room's folder adds its files to.
+include(CheckCXXCompilerFlag)
+include(CheckLinkerFlag)
 find_package(Threads REQUIRED)
 
 set(CMAKE_EXPORT_COMPILE_COMMANDS ${PROJECT_IS_TOP_LEVEL})
@@ -30,6 +32,35 @@ function(tavlo_program name)
   target_compile_features(${name} PRIVATE cxx_std_20)
   set_target_properties(${name} PROPERTIES CXX_EXTENSIONS OFF)
   target_link_libraries(${name} PRIVATE tavlo_options)
+endfunction()
+
+# tavlo_harden(target...): makes what is a target of these harder to attack, if TAVLO_HARDEN says so. Only what the
+# compiler knows is used, and nothing reaches a program that links the libraries. Sanitizers have checks of their own.
+function(tavlo_harden)
+  if(NOT TAVLO_HARDEN OR TAVLO_SANITIZE)
+    return()
+  endif()
+  set(compile)
+  foreach(flag stack-protector-strong stack-clash-protection cf-protection)
+    check_cxx_compiler_flag(-f${flag} TAVLO_HAS_${flag})
+    if(TAVLO_HAS_${flag})
+      list(APPEND compile -f${flag})
+    endif()
+  endforeach()
+  # It checks nothing in a build that is not optimised, and warns of that.
+  list(APPEND compile "$<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
+  check_linker_flag(CXX LINKER:-z,relro,-z,now,-z,noexecstack TAVLO_HAS_z)
+  foreach(target ${ARGN})
+    if(NOT TARGET ${target})
+      continue()
+    endif()
+    target_compile_options(${target} PRIVATE ${compile})
+    get_target_property(type ${target} TYPE)
+    if(type STREQUAL EXECUTABLE)
+      set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE ON)
+      target_link_options(${target} PRIVATE -pie $<$<BOOL:${TAVLO_HAS_z}>:LINKER:-z,relro,-z,now,-z,noexecstack>)
+    endif()
+  endforeach()
 endfunction()
 
 tavlo_library(tavlo_utility)

@@ -27,6 +27,8 @@ class MinimalHost(unittest.TestCase):
                       f"-DCMAKE_CXX_COMPILER={COMPILER}")
             output_of("cmake", "--build", f"{folder}/build", "--target", "minimal_host", "--parallel", "2")
             program = f"{folder}/build/minimal_host"
+            self.assertNotIn("-z,now", Path(folder, "build/build.ninja").read_text(encoding="utf-8"),
+                             "how a host's program is linked is the host's to say")
 
             ad, in_app, users = output_of(program, f"{folder}/container").splitlines()
             _, _, users_again = output_of(program, f"{folder}/container").splitlines()

@@ -29,8 +29,8 @@ extension "mp4"
 RUNTIME = re.compile(r"""
     _Z(T[VIST])?N?K?S[tabsiod]\w* | _Zn[wa]\w+ | _Zd[la]\w+ | _ZTVN10__cxxabiv1\w+ | _ZTI\w
     | __cxa_\w+ | __gxx_personality_v0 | _Unwind_\w+ | __dso_handle | _GLOBAL_OFFSET_TABLE_ | __tls_get_addr
-    | __stack_chk_fail | __gthrw_\w+ | __pthread_key_create | pthread_mutex_(un)?lock | __popcountdi2
-    | __libc_single_threaded
+    | __stack_chk_fail | __(mem|str)\w+_chk | __gthrw_\w+ | __pthread_key_create | pthread_mutex_(un)?lock
+    | __popcountdi2 | __libc_single_threaded
     | mem(cpy|move|set|cmp|chr) | bcmp | str(len|cmp) | abort | floor | trunc | fmod
     """, re.VERBOSE)
 

@@ -160,7 +160,7 @@ class Ci(unittest.TestCase):
 
         self.assertEqual(run.calls[:3], [
             "cmake --preset release", "cmake --build --preset release --target tavlo tavlo_bench tavlo_footprint",
-            "ctest --preset release -R ^Bench"])
+            "ctest --preset release -R ^Bench|Hardened$"])
 
     def test_UnknownLegIsAUsageErrorBeforeAnythingRuns(self):
         run = Run(".ci/run", "shell", "bogus")
