@@ -1,6 +1,7 @@
 #include "cache/ArchivedObjects.h"
 
-#include <set>
+#include <unordered_set>
+#include <utility>
 
 #include "cache/KeyedArchive.h"
 #include "common/Utf8.h"
@@ -11,22 +12,6 @@ namespace {
 using Kind = Value::Kind;
 
 std::string quoted(std::string_view word) { return std::string(1, '"').append(word).append(1, '"'); }
-
-const Value& field(const Place& place, const ValueMap& fields, std::string_view name) {
-  const Value* const value = fields.find(name);
-  if (!value) place.fail(quoted(name) + " is missing");
-  return *value;
-}
-
-const Value& ofKind(Kind kind, const char* kindName, const Place& place, std::string_view name, const Value& value) {
-  if (value.kind() != kind) place.fail(quoted(name) + " is no " + kindName);
-  return value;
-}
-
-const Value& fieldOf(Kind kind, const char* kindName, const Place& place, const ValueMap& fields,
-                     std::string_view name) {
-  return ofKind(kind, kindName, place, name, field(place, fields, name));
-}
 
 double asDouble(const Integer& integer) {
   if (integer.fitsSigned()) return static_cast<double>(static_cast<std::int64_t>(integer.low));
@@ -42,161 +27,200 @@ void Place::fail(const std::string& what) const {
   throw ArchiveError(where.append(": ").append(what));
 }
 
-ArchivedObject ArchivedObjects::object(std::size_t number) {
+ArchivedObject ArchivedObjects::object(std::size_t number, std::vector<Part>& parts, ValueList& names) {
   ArchivedObject object;
   object.place.object = number;
-  const Value& value = objects_[number];
-  switch (value.kind()) {
-    case Kind::map: readFields(object, *value.ifMap()); break;
+  const std::size_t value = listed(number);
+  const Fields fields = file_.object(value);
+  switch (fields.kind()) {
+    case Kind::map: readFields(object, fields, parts, names); break;
     case Kind::null: object.place.fail("a property-list null; an archive's null is an object of NSNull");
     case Kind::uid: object.place.fail("a reference where an object belongs");
     case Kind::list:
     case Kind::set: object.place.fail("a bare property-list container; an archive's is an object with a class");
-    default: object.whole = &value;
+    default: object.whole = values_.of(value, file_.isSharedByUids(number));
   }
   return object;
 }
 
-void ArchivedObjects::readFields(ArchivedObject& object, const ValueMap& fields) {
-  look(object.place, 1 + fields.size());
+void ArchivedObjects::readFields(ArchivedObject& object, const Fields& fields, std::vector<Part>& parts,
+                                 ValueList& names) {
+  look(object.place, 1 + fields.count);
   const Class& itsClass = classOf(object.place, fields);
   object.form = itsClass.form;
-  object.className = itsClass.name;
-  if (object.form != Form::object) object.place.knownClass = itsClass.name;
+  object.className = *itsClass.name.ifText();
+  if (object.form != Form::object) object.place.knownClass = object.className;
   const Place& place = object.place;
   switch (object.form) {
-    case Form::null: object.made = Value(); break;
-    case Form::text: readText(object, fields); break;
-    case Form::data: object.whole = &plain(Kind::data, "data", place, fields, kData); break;
-    case Form::date: object.made = Date{.seconds = seconds(place, fields)}; break;
+    case Form::null: object.whole = Value(); break;
+    case Form::text: object.whole = text(place, fields); break;
+    case Form::data: object.whole = plain(Kind::data, "data", place, fields, kData); break;
+    case Form::date: object.whole = Date{.seconds = seconds(place, fields)}; break;
     case Form::url:
       for (const auto name : {kBase, kRelative}) {
-        object.parts.push_back(reference(place, name, field(place, fields, name)));
+        parts.push_back(reference(place, name, field(place, fields, name)));
       }
       break;
     case Form::list:
-    case Form::set: addItems(object, fields, kItems); break;
+    case Form::set: static_cast<void>(addItems(place, fields, kItems, parts)); break;
     case Form::map: {
-      addItems(object, fields, kKeys);
-      const std::size_t keys = object.parts.size();
-      addItems(object, fields, kItems);
-      if (const std::size_t values = object.parts.size() - keys; values != keys) {
+      const std::size_t before = parts.size();
+      object.keys = addItems(place, fields, kKeys, parts);
+      const std::size_t keys = parts.size() - before;
+      static_cast<void>(addItems(place, fields, kItems, parts));
+      if (const std::size_t values = parts.size() - before - keys; values != keys) {
         place.fail(std::to_string(keys) + " keys for " + std::to_string(values) + " values");
       }
       break;
     }
-    case Form::object: readCustom(object, fields); break;
+    case Form::object: readCustom(object, fields, parts, names); break;
   }
 }
 
-void ArchivedObjects::readCustom(ArchivedObject& object, const ValueMap& fields) {
+void ArchivedObjects::readCustom(ArchivedObject& object, const Fields& fields, std::vector<Part>& parts,
+                                 ValueList& names) {
   copy(object.place, object.className.size());
-  object.parts.reserve(2 * fields.size());
-  std::set<std::size_t> dollars;
-  for (const auto& [name, value] : fields) {
-    if (!name.ifText()) object.place.fail("a field's name is no text");
-    if (*name.ifText() == kClass) continue;
-    const Part part = &fieldName(name);
-    if (part->ifText()->starts_with('$') && !dollars.insert(names_.of(*part)).second) {
-      object.place.fail("two fields have one name, but for a \"$\"");
-    }
-    object.parts.push_back(part);
-  }
-  for (const auto& [name, value] : fields) {
-    if (*name.ifText() != kClass) object.parts.push_back(part(object.place, value));
+  if (file_.keys(fields) != lastNames_.references) lastNames_ = namesOf(object.place, fields);
+  for (const auto& [name, place] : lastNames_.fields) {
+    names.push_back(name);
+    parts.push_back(part(object.place, file_.part(fields, fields.count + place)));
   }
 }
 
-void ArchivedObjects::readText(ArchivedObject& object, const ValueMap& fields) {
-  if (fields.find(kText) || !fields.find(kBytes)) {
-    object.whole = &plain(Kind::text, "text", object.place, fields, kText);
-    return;
+// As they stand in the archive, without the class. Of fields with one name the last one's value counts.
+ArchivedObjects::Names ArchivedObjects::namesOf(const Place& place, const Fields& fields) {
+  Names names{.references = file_.keys(fields), .fields = {}};
+  std::unordered_map<std::size_t, std::size_t> places;
+  std::unordered_set<std::size_t> dollars;
+  for (std::size_t i = 0; i < fields.count; ++i) {
+    const std::size_t number = file_.part(fields, i);
+    const Fields name = file_.object(number);
+    if (name.kind() != Kind::text) place.fail("a field's name is no text");
+    if (file_.isText(name, kClass)) continue;
+    const Value asItStands = values_.of(number);
+    const auto [known, isNew] = places.try_emplace(names_.of(asItStands), names.fields.size());
+    if (!isNew) {
+      names.fields[known->second].second = i;
+      continue;
+    }
+    Value itself = fieldName(number, asItStands);
+    if (itself.ifText()->starts_with('$') && !dollars.insert(names_.of(itself)).second) {
+      place.fail("two fields have one name, but for a \"$\"");
+    }
+    names.fields.emplace_back(std::move(itself), i);
   }
-  const Value& bytes = plain(Kind::data, "data", object.place, fields, kBytes);
-  const auto [text, isNew] = texts_.try_emplace(bytes.identity());
+  return names;
+}
+
+Value ArchivedObjects::text(const Place& place, const Fields& fields) {
+  if (file_.find(fields, kText) || !file_.find(fields, kBytes)) return plain(Kind::text, "text", place, fields, kText);
+  const Value bytes = plain(Kind::data, "data", place, fields, kBytes);
+  const auto [text, isNew] = textsOfBytes_.try_emplace(bytes.identity(), bytes, Value());
   if (isNew) {
-    if (!isUtf8(*bytes.ifData())) object.place.fail(quoted(kBytes) + " is not UTF-8");
-    text->second = *bytes.ifData();
+    if (!isUtf8(*bytes.ifData())) place.fail(quoted(kBytes) + " is not UTF-8");
+    text->second.second = *bytes.ifData();
   }
-  object.whole = &text->second;
+  return text->second.second;
+}
+
+std::size_t ArchivedObjects::field(const Place& place, const Fields& fields, std::string_view name) const {
+  const auto number = file_.find(fields, name);
+  if (!number) place.fail(quoted(name) + " is missing");
+  return *number;
 }
 
 // A field of a known class, in place or by reference.
-const Value& ArchivedObjects::plain(const Place& place, const ValueMap& fields, std::string_view name) const {
-  const Value& value = *part(place, field(place, fields, name));
-  const Uid* const uid = value.ifUid();
-  return uid && uid->index > 0 ? objects_[static_cast<std::size_t>(uid->index)] : value;
+Value ArchivedObjects::plain(Kind kind, const char* kindName, const Place& place, const Fields& fields,
+                             std::string_view name) {
+  const Part found = part(place, field(place, fields, name));
+  const bool isReferred = found.referred && found.number > 0;
+  const std::size_t number = isReferred ? listed(found.number) : found.number;
+  const Kind itsKind = found.referred && !isReferred ? Kind::uid : file_.object(number).kind();
+  if (itsKind != kind && !(kind == Kind::real && itsKind == Kind::integer)) {
+    place.fail(quoted(name) + " is no " + kindName);
+  }
+  return values_.of(number, isReferred && file_.isSharedByUids(found.number));
 }
 
-const Value& ArchivedObjects::plain(Kind kind, const char* kindName, const Place& place, const ValueMap& fields,
-                                    std::string_view name) const {
-  return ofKind(kind, kindName, place, name, plain(place, fields, name));
-}
-
-double ArchivedObjects::seconds(const Place& place, const ValueMap& fields) const {
-  const Value& time = plain(place, fields, kTime);
-  if (const Integer* const whole = time.ifInteger()) return asDouble(*whole);
-  return ofKind(Kind::real, "number", place, kTime, time).ifReal()->value;
+double ArchivedObjects::seconds(const Place& place, const Fields& fields) {
+  const Value time = plain(Kind::real, "number", place, fields, kTime);
+  return time.ifInteger() ? asDouble(*time.ifInteger()) : time.ifReal()->value;
 }
 
 // As its class has it.
-const Value& ArchivedObjects::fieldName(const Value& name) {
-  if (!name.ifText()->starts_with("$$")) return name;
-  const auto [made, isNew] = texts_.try_emplace(name.identity(), name);
-  if (isNew && takesOneMoreDollar(*name.ifText())) made->second = name.ifText()->substr(1);
+Value ArchivedObjects::fieldName(std::size_t number, const Value& name) {
+  if (!name.ifText()->starts_with("$$") || !takesOneMoreDollar(*name.ifText())) return name;
+  const auto [made, isNew] = namesWithoutDollar_.try_emplace(number);
+  if (isNew) made->second = name.ifText()->substr(1);
   return made->second;
 }
 
-ArchivedObject ArchivedObjects::container(const Place& place, const Value& container) {
+ArchivedObject ArchivedObjects::container(const Place& place, std::size_t container, std::vector<Part>& parts) {
+  const Fields contents = file_.object(container);
   ArchivedObject object;
   object.place = place;
-  if (const ValueMap* const map = container.ifMap()) {
-    look(place, map->size());
+  look(place, contents.count);
+  if (contents.kind() == Kind::map) {
     object.form = Form::map;
-    for (const auto& [key, value] : *map) object.parts.push_back(part(place, key));
-    for (const auto& [key, value] : *map) object.parts.push_back(part(place, value));
+    const auto entries = values_.entries(contents);
+    for (const auto& [key, value] : entries) parts.push_back(part(place, key));
+    for (const auto& [key, value] : entries) parts.push_back(part(place, value));
     return object;
   }
-  const ValueList& items = container.ifList() ? *container.ifList() : *container.ifSet();
-  look(place, items.size());
-  object.form = container.ifList() ? Form::list : Form::set;
-  for (const Value& item : items) object.parts.push_back(part(place, item));
+  object.form = contents.kind() == Kind::list ? Form::list : Form::set;
+  for (std::size_t i = 0; i < contents.count; ++i) parts.push_back(part(place, file_.part(contents, i)));
   return object;
 }
 
 // Looked into once, however many objects are of it.
-const ArchivedObjects::Class& ArchivedObjects::classOf(const Place& place, const ValueMap& fields) {
-  const auto number = static_cast<std::size_t>(reference(place, kClass, field(place, fields, kClass))->ifUid()->index);
+const ArchivedObjects::Class& ArchivedObjects::classOf(const Place& place, const Fields& fields) {
+  const std::size_t number = reference(place, kClass, field(place, fields, kClass)).number;
   if (const auto known = classes_.find(number); known != classes_.end()) return known->second;
   const Place there{.object = number, .knownClass = {}};
-  const ValueMap* const itsFields = objects_[number].ifMap();
-  if (!itsFields) there.fail("no class, but the " + quoted(kClass) + " of object " + std::to_string(place.object));
-  look(there, itsFields->size());
-  const std::string& name = *fieldOf(Kind::text, "text", there, *itsFields, kClassName).ifText();
-  if (name.empty()) there.fail(quoted(kClassName) + " is empty");
-  return classes_.emplace(number, Class{.name = name, .form = formOf(name)}).first->second;
-}
-
-Part ArchivedObjects::reference(const Place& place, std::string_view name, const Value& value) const {
-  const Uid* const uid = value.ifUid();
-  if (!uid) place.fail(quoted(name) + " holds a plain value where a reference belongs");
-  return part(place, value);
-}
-
-Part ArchivedObjects::part(const Place& place, const Value& value) const {
-  if (value.isNull()) place.fail("it holds a property-list null; an archive's null is an object of NSNull");
-  const Uid* const uid = value.ifUid();
-  if (uid && uid->index >= objects_.size()) {
-    place.fail("it refers to object " + std::to_string(uid->index) + " of " + std::to_string(objects_.size()));
+  const Fields itsFields = file_.object(listed(number));
+  if (itsFields.kind() != Kind::map) {
+    there.fail("no class, but the " + quoted(kClass) + " of object " + std::to_string(place.object));
   }
-  return &value;
+  look(there, itsFields.count);
+  const std::size_t name = field(there, itsFields, kClassName);
+  if (file_.object(name).kind() != Kind::text) there.fail(quoted(kClassName) + " is no text");
+  const Value text = values_.of(name);
+  if (text.ifText()->empty()) there.fail(quoted(kClassName) + " is empty");
+  return classes_.emplace(number, Class{.name = text, .form = formOf(*text.ifText())}).first->second;
 }
 
-void ArchivedObjects::addItems(ArchivedObject& object, const ValueMap& fields, std::string_view name) {
-  const ValueList& items = *fieldOf(Kind::list, "list", object.place, fields, name).ifList();
-  if (name == kItems) look(object.place, items.size());
-  object.parts.reserve(object.parts.size() + items.size());
-  for (const Value& item : items) object.parts.push_back(reference(object.place, name, item));
+Part ArchivedObjects::reference(const Place& place, std::string_view name, std::size_t number) const {
+  const Fields value = file_.object(number);
+  if (value.form != property_list::kUid) {
+    place.fail(quoted(name) + " holds a plain value where a reference belongs");
+  }
+  return referred(place, value);
+}
+
+Part ArchivedObjects::part(const Place& place, std::size_t number) const {
+  const Fields value = file_.object(number);
+  if (value.kind() == Kind::null) {
+    place.fail("it holds a property-list null; an archive's null is an object of NSNull");
+  }
+  if (value.form == property_list::kUid) return referred(place, value);
+  return {.number = static_cast<std::uint32_t>(number), .referred = false};
+}
+
+Part ArchivedObjects::referred(const Place& place, const Fields& uid) const {
+  const std::uint64_t index = file_.uid(uid);
+  if (index >= list_.count) {
+    place.fail("it refers to object " + std::to_string(index) + " of " + std::to_string(list_.count));
+  }
+  return {.number = static_cast<std::uint32_t>(index), .referred = true};
+}
+
+std::string_view ArchivedObjects::addItems(const Place& place, const Fields& fields, std::string_view name,
+                                           std::vector<Part>& parts) {
+  const Fields items = file_.object(field(place, fields, name));
+  if (items.kind() != Kind::list) place.fail(quoted(name) + " is no list");
+  if (name == kItems) look(place, items.count);
+  for (std::size_t i = 0; i < items.count; ++i) parts.push_back(reference(place, name, file_.part(items, i)));
+  return file_.contents(items);
 }
 
 // Each part takes at least a byte, so that those of objects that lie apart never sum up to more than the input.

@@ -1,6 +1,6 @@
 // The objects of one keyed archive as they lie there: what each is, and which others it is made of.
 //
-// Values   views and pointers reach into the list of objects, which must outlive everything here.
+// Values   texts are views of values that are kept here; the property list must outlive everything here.
 // Bounds   an object that lies in many places is looked at in each, which is only linear while an archive does
 //          not share below its own references: beyond that, and beyond mostCopiedBytes, an ArchiveError.
 // Threads  one thread at a time.
@@ -8,14 +8,18 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <map>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "cache/KeyedArchiveFormat.h"
+#include "common/PropertyListObjects.h"
+#include "common/PropertyListValues.h"
 #include "common/Value.h"
 #include "common/ValueNumbers.h"
 
@@ -29,59 +33,81 @@ struct Place {
   [[noreturn]] void fail(const std::string& what) const;
 };
 
-// What an object is made of: a reference to an object that is there, or a value that stands in place.
-using Part = const Value*;
+// What an object is made of: an object of the archive when it is `referred` to, or what stands in place, an object of
+// the property list.
+struct Part {
+  std::uint32_t number = 0;
+  bool referred = false;
+};
 
-// An object. `whole` is it when it has no parts, or `made` when it does not lie there as a value. The parts of a
-// map, and of an object of a named class, are all keys and then all values; those of a URL its base and its text.
+// An object: `whole` when it has no parts. Others have the parts that were appended to those given: of a map all keys
+// and then all values, of a URL its base and its text, of an object of a named class its values, whose names were
+// appended to the `names` given. `keys` is the references to a map's keys.
 struct ArchivedObject {
   Place place;
   Form form = Form::object;
   std::string_view className;
-  const Value* whole = nullptr;
-  std::optional<Value> made;
-  std::vector<Part> parts;
+  std::optional<Value> whole;
+  std::string_view keys;
 };
 
 class ArchivedObjects {
  public:
-  ArchivedObjects(const ValueList& objects, std::size_t archiveSize) : objects_(objects), archiveSize_(archiveSize) {}
+  using Fields = property_list::Objects::Object;
 
-  [[nodiscard]] std::size_t count() const { return objects_.size(); }
-  [[nodiscard]] ArchivedObject object(std::size_t number);
+  // Of the list of objects, which is an object of the property list, as are containers.
+  ArchivedObjects(const property_list::Objects& file, property_list::Values& values, const Fields& list,
+                  std::size_t archiveSize)
+      : file_(file), values_(values), list_(list), archiveSize_(archiveSize) {}
+
+  [[nodiscard]] ArchivedObject object(std::size_t number, std::vector<Part>& parts, ValueList& names);
   // A list, set or map of the property list that stands in a field of that object.
-  [[nodiscard]] ArchivedObject container(const Place& place, const Value& container);
+  [[nodiscard]] ArchivedObject container(const Place& place, std::size_t container, std::vector<Part>& parts);
 
   // To be told of each text that a value holds a copy of.
   void copy(const Place& place, std::size_t bytes);
 
  private:
   struct Class {
-    std::string_view name;
+    Value name;
     Form form = Form::object;
   };
 
-  void readFields(ArchivedObject& object, const ValueMap& fields);
-  void readCustom(ArchivedObject& object, const ValueMap& fields);
-  void readText(ArchivedObject& object, const ValueMap& fields);
-  [[nodiscard]] const Value& plain(const Place& place, const ValueMap& fields, std::string_view name) const;
-  [[nodiscard]] const Value& plain(Value::Kind kind, const char* kindName, const Place& place, const ValueMap& fields,
-                                   std::string_view name) const;
-  [[nodiscard]] double seconds(const Place& place, const ValueMap& fields) const;
-  [[nodiscard]] const Value& fieldName(const Value& name);
-  [[nodiscard]] const Class& classOf(const Place& place, const ValueMap& fields);
-  [[nodiscard]] Part reference(const Place& place, std::string_view name, const Value& value) const;
-  [[nodiscard]] Part part(const Place& place, const Value& value) const;
-  void addItems(ArchivedObject& object, const ValueMap& fields, std::string_view name);
+  // The fields of the last object of a named class, by the references to their names.
+  struct Names {
+    std::string_view references;
+    std::vector<std::pair<Value, std::size_t>> fields;  // and where their values are
+  };
+
+  void readFields(ArchivedObject& object, const Fields& fields, std::vector<Part>& parts, ValueList& names);
+  void readCustom(ArchivedObject& object, const Fields& fields, std::vector<Part>& parts, ValueList& names);
+  [[nodiscard]] Names namesOf(const Place& place, const Fields& fields);
+  [[nodiscard]] Value text(const Place& place, const Fields& fields);
+  [[nodiscard]] std::size_t field(const Place& place, const Fields& fields, std::string_view name) const;
+  [[nodiscard]] std::size_t listed(std::size_t number) const { return file_.part(list_, number); }
+  [[nodiscard]] Value plain(Value::Kind kind, const char* kindName, const Place& place, const Fields& fields,
+                            std::string_view name);
+  [[nodiscard]] double seconds(const Place& place, const Fields& fields);
+  [[nodiscard]] Value fieldName(std::size_t number, const Value& name);
+  [[nodiscard]] const Class& classOf(const Place& place, const Fields& fields);
+  [[nodiscard]] Part reference(const Place& place, std::string_view name, std::size_t number) const;
+  [[nodiscard]] Part part(const Place& place, std::size_t number) const;
+  [[nodiscard]] Part referred(const Place& place, const Fields& uid) const;
+  [[nodiscard]] std::string_view addItems(const Place& place, const Fields& fields, std::string_view name,
+                                          std::vector<Part>& parts);
   void look(const Place& place, std::size_t parts);
 
-  const ValueList& objects_;
-  std::size_t archiveSize_;
+  const property_list::Objects& file_;
+  property_list::Values& values_;
+  const Fields list_;
+  const std::size_t archiveSize_;
   std::size_t looked_ = 0;
   std::size_t copied_ = 0;
   std::map<std::size_t, Class> classes_;
-  std::unordered_map<const void*, Value> texts_;  // of bytes and of names with a "$" too many, by identity
-  ValueNumbers names_;                            // of fields that begin with "$"
+  std::unordered_map<const void*, std::pair<Value, Value>> textsOfBytes_;  // with the bytes, by their identity
+  std::unordered_map<std::size_t, Value> namesWithoutDollar_;              // by the names' numbers
+  ValueNumbers names_;                                                     // of fields
+  Names lastNames_;
 };
 
 }  // namespace tavlo::keyed_archive

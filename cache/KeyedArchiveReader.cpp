@@ -1,6 +1,8 @@
 #include <algorithm>
+#include <concepts>
 #include <cstdint>
 #include <deque>
+#include <iterator>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -9,15 +11,22 @@
 #include "cache/KeyedArchive.h"
 #include "cache/KeyedArchiveFormat.h"
 #include "common/PropertyList.h"
+#include "common/PropertyListObjects.h"
+#include "common/PropertyListValues.h"
 #include "common/ValueNumbers.h"
 
 namespace tavlo::keyed_archive {
 namespace {
 
-// Makes values of an archive's objects, each when it is first referred to, and then keeps it.
+using property_list::Objects;
+using property_list::Values;
+
+// Makes values of an archive's objects, each when it is first referred to. Those that are whole wait for the one that
+// they are parts of; a copy is kept of what may be referred to again.
 class Reader {
  public:
-  Reader(const ValueList& objects, std::size_t archiveSize);
+  Reader(const Objects& file, Values& values, const Objects::Object& list, std::size_t archiveSize)
+      : file_(file), values_(values), objects_(file, values, list, archiveSize), kept_(list.count) {}
 
   // Of an object that is in the list.
   [[nodiscard]] Value decode(std::size_t number);
@@ -25,137 +34,181 @@ class Reader {
  private:
   enum class State : std::uint8_t { unread, begun, whole };
 
+  // Something that may be referred to again.
   struct Node {
-    const Value* value = nullptr;
+    Value value;
     std::uint16_t height = 0;  // containers inside one another, this one included
     State state = State::unread;
   };
 
   // An object whose parts are being decoded.
   struct Frame {
-    Node* node = nullptr;
+    Node* node = nullptr;  // where to keep it, if at all
     ArchivedObject object;
-    std::size_t next = 0;
+    std::size_t nextPart = 0;
+    std::size_t firstPart = 0;
+    std::size_t firstValue = 0;
+    std::uint16_t height = 0;  // the greatest of its parts'
+  };
+
+  // The keys of the last map, by the references to them. They are texts, all different.
+  struct Keys {
+    std::string_view references;
+    ValueList keys;
   };
 
   void enter(const Place& from, Part part);
-  void close(const Frame& frame);
+  void close();
+  static void keep(Node* node, const Value& value, std::uint16_t height);
+  void add(Value value, std::uint16_t height);
   [[nodiscard]] Node* nodeOf(Part part);
-  [[nodiscard]] const Value& valueOf(Part part);
-  [[nodiscard]] Value assembled(const ArchivedObject& object);
-  [[nodiscard]] ValueList items(const ArchivedObject& object);
-  [[nodiscard]] std::vector<ValueMap::Entry> entries(const ArchivedObject& object);
-  [[nodiscard]] Value url(const ArchivedObject& object);
+  [[nodiscard]] Value assembled(const Frame& frame);
+  [[nodiscard]] Value map(const Frame& frame);
+  template <class Entries>
+  [[nodiscard]] Entries entries(const Frame& frame);
+  [[nodiscard]] bool hasLastKeys(const ArchivedObject& object) const {
+    return !object.keys.empty() && object.keys == lastKeys_.references;
+  }
+  [[nodiscard]] Value url(const Frame& frame);
 
+  const Objects& file_;
+  Values& values_;
   ArchivedObjects objects_;
   const Value nothing_ = Uid{.index = 0};
-  std::deque<Value> made_;  // whatever does not lie in the archive as a value
   std::vector<Frame> frames_;
-  std::vector<Node> nodes_;
-  std::unordered_map<const void*, Node> inPlace_;  // containers in fields, by identity
+  std::vector<Part> parts_;  // of all frames
+  ValueList whole_;          // parts of all frames
+  std::deque<Node> nodes_;
+  std::vector<std::uint32_t> kept_;                  // which node an object has, counted from one
+  std::unordered_map<std::uint32_t, Node> inPlace_;  // containers in fields, by their number in the property list
   ValueNumbers keys_;
+  Keys lastKeys_;
 };
 
-Reader::Reader(const ValueList& objects, std::size_t archiveSize)
-    : objects_(objects, archiveSize), nodes_(objects.size()) {
-  nodes_[0].value = &nothing_;
-  nodes_[0].state = State::whole;
-}
-
 Value Reader::decode(std::size_t number) {
-  const Value root = Uid{.index = number};
-  enter({.object = number, .knownClass = {}}, &root);
+  enter({.object = number, .knownClass = {}}, {.number = static_cast<std::uint32_t>(number), .referred = true});
   while (!frames_.empty()) {
     Frame& frame = frames_.back();
-    if (frame.next < frame.object.parts.size()) {
-      const Part part = frame.object.parts[frame.next++];
-      enter(frame.object.place, part);
+    if (frame.nextPart < parts_.size()) {
+      enter(frame.object.place, parts_[frame.nextPart++]);
     } else {
-      close(frame);
-      frames_.pop_back();
+      close();
     }
   }
-  return *nodes_[number].value;
+  return std::move(whole_.back());
 }
 
 // Decodes at once what has no parts, and puts what has some on the frames.
 void Reader::enter(const Place& from, Part part) {
+  if (part.referred && part.number == 0) return add(nothing_, 0);
+  if (!part.referred && !file_.object(part.number).isContainer()) return add(values_.of(part.number), 0);
   Node* const node = nodeOf(part);
-  if (!node || node->state == State::whole) return;
-  ArchivedObject object =
-      part->ifUid() ? objects_.object(static_cast<std::size_t>(part->ifUid()->index)) : objects_.container(from, *part);
-  if (node->state == State::begun) object.place.fail("it contains itself");
-  if (object.made) object.whole = &made_.emplace_back(*std::move(object.made));
-  if (object.whole) {
-    node->value = object.whole;
-    node->state = State::whole;
-    return;
+  if (node && node->state == State::whole) return add(node->value, node->height);
+  Frame frame{.node = node,
+              .object = {},
+              .nextPart = parts_.size(),
+              .firstPart = parts_.size(),
+              .firstValue = whole_.size(),
+              .height = 0};
+  frame.object =
+      part.referred ? objects_.object(part.number, parts_, whole_) : objects_.container(from, part.number, parts_);
+  if (node && node->state == State::begun) frame.object.place.fail("it contains itself");
+  if (frame.object.whole) {
+    keep(node, *frame.object.whole, 0);
+    return add(*std::move(frame.object.whole), 0);
   }
-  if (frames_.size() == property_list::kDeepest) object.place.fail("nested too deep");
-  node->state = State::begun;
-  frames_.push_back({.node = node, .object = std::move(object)});
+  if (frames_.size() == property_list::kDeepest) frame.object.place.fail("nested too deep");
+  if (node) node->state = State::begun;
+  if (hasLastKeys(frame.object)) {
+    whole_.insert(whole_.end(), lastKeys_.keys.begin(), lastKeys_.keys.end());
+    frame.nextPart += lastKeys_.keys.size();
+  }
+  frames_.push_back(std::move(frame));
 }
 
-void Reader::close(const Frame& frame) {
-  std::size_t height = 0;
-  for (const Part part : frame.object.parts) {
-    if (const Node* const node = nodeOf(part)) height = std::max<std::size_t>(height, node->height);
-  }
+void Reader::close() {
+  const Frame frame = std::move(frames_.back());
+  frames_.pop_back();
   // What was first met near the top may be shared by something deep down, so its height counts, not its depth.
-  if (height == property_list::kDeepest) frame.object.place.fail("nested too deep");
-  frame.node->value = &made_.emplace_back(assembled(frame.object));
-  frame.node->height = static_cast<std::uint16_t>(height + 1);
-  frame.node->state = State::whole;
+  if (frame.height == property_list::kDeepest) frame.object.place.fail("nested too deep");
+  const auto height = static_cast<std::uint16_t>(frame.height + 1);
+  Value value = assembled(frame);
+  parts_.resize(frame.firstPart);
+  whole_.resize(frame.firstValue);
+  keep(frame.node, value, height);
+  add(std::move(value), height);
 }
 
-// nullptr for a plain value.
+void Reader::keep(Node* node, const Value& value, std::uint16_t height) {
+  if (node) *node = {.value = value, .height = height, .state = State::whole};
+}
+
+void Reader::add(Value value, std::uint16_t height) {
+  whole_.push_back(std::move(value));
+  if (!frames_.empty()) frames_.back().height = std::max(frames_.back().height, height);
+}
+
+// nullptr for what only one way leads to.
 Reader::Node* Reader::nodeOf(Part part) {
-  if (const Uid* const uid = part->ifUid()) return &nodes_[static_cast<std::size_t>(uid->index)];
-  return part->ifList() || part->ifSet() || part->ifMap() ? &inPlace_[part->identity()] : nullptr;
+  if (!part.referred) return file_.isShared(part.number) ? &inPlace_[part.number] : nullptr;
+  if (!file_.isSharedByUids(part.number)) return nullptr;
+  std::uint32_t& node = kept_[part.number];
+  if (node == 0) {
+    nodes_.emplace_back();
+    node = static_cast<std::uint32_t>(nodes_.size());
+  }
+  return &nodes_[node - 1];
 }
 
-const Value& Reader::valueOf(Part part) {
-  const Node* const node = nodeOf(part);
-  return node ? *node->value : *part;
-}
-
-Value Reader::assembled(const ArchivedObject& object) {
-  switch (object.form) {
-    case Form::url: return url(object);
-    case Form::list: return Value::list(items(object));
-    case Form::set: return Value::set(items(object));
-    case Form::map: return Value::map(ValueMap(entries(object), keys_));
+Value Reader::assembled(const Frame& frame) {
+  const auto first = whole_.begin() + static_cast<std::ptrdiff_t>(frame.firstValue);
+  switch (frame.object.form) {
+    case Form::url: return url(frame);
+    case Form::list: return Value::list({std::make_move_iterator(first), std::make_move_iterator(whole_.end())});
+    case Form::set: return Value::set({std::make_move_iterator(first), std::make_move_iterator(whole_.end())});
+    case Form::map: return map(frame);
     default: break;
   }
-  ValueMap fields;
-  fields.reserve(object.parts.size() / 2);
-  for (auto& [name, value] : entries(object)) fields.append(std::move(name), std::move(value));
-  return Value::object({.className = std::string(object.className), .fields = std::move(fields)});
+  return Value::object({.className = std::string(frame.object.className), .fields = entries<ValueMap>(frame)});
 }
 
-ValueList Reader::items(const ArchivedObject& object) {
-  ValueList items;
-  items.reserve(object.parts.size());
-  for (const Part part : object.parts) items.push_back(valueOf(part));
-  return items;
+// Entries of keys that are known to be different, and of others.
+Value Reader::map(const Frame& frame) {
+  if (hasLastKeys(frame.object)) return Value::map(entries<ValueMap>(frame));
+  const std::size_t count = (whole_.size() - frame.firstValue) / 2;
+  ValueMap map(entries<std::vector<ValueMap::Entry>>(frame), keys_);
+  const bool areTexts = std::all_of(map.begin(), map.end(), [](const auto& entry) { return entry.first.ifText(); });
+  if (map.size() == count && areTexts && !frame.object.keys.empty()) {
+    lastKeys_ = {.references = frame.object.keys, .keys = {}};
+    lastKeys_.keys.reserve(count);
+    for (const auto& [key, value] : map) lastKeys_.keys.push_back(key);
+  }
+  return Value::map(std::move(map));
 }
 
-std::vector<ValueMap::Entry> Reader::entries(const ArchivedObject& object) {
-  const std::size_t count = object.parts.size() / 2;
-  std::vector<ValueMap::Entry> entries;
+template <class Entries>
+Entries Reader::entries(const Frame& frame) {
+  const std::size_t count = (whole_.size() - frame.firstValue) / 2;
+  Value* const keys = &whole_[frame.firstValue];
+  Entries entries;
   entries.reserve(count);
   for (std::size_t i = 0; i < count; ++i) {
-    entries.emplace_back(valueOf(object.parts[i]), valueOf(object.parts[count + i]));
+    if constexpr (std::same_as<Entries, ValueMap>) {
+      entries.append(std::move(keys[i]), std::move(keys[count + i]));
+    } else {
+      entries.emplace_back(std::move(keys[i]), std::move(keys[count + i]));
+    }
   }
   return entries;
 }
 
-Value Reader::url(const ArchivedObject& object) {
-  const Value& base = valueOf(object.parts[0]);
-  const Value& text = valueOf(object.parts[1]);
-  if (!base.ifUid() && !base.ifUrl()) object.place.fail("\"NS.base\" is no URL");
-  if (!text.ifText()) object.place.fail("\"NS.relative\" is no text");
-  objects_.copy(object.place, text.ifText()->size());
+Value Reader::url(const Frame& frame) {
+  const Value& base = whole_[frame.firstValue];
+  const Value& text = whole_[frame.firstValue + 1];
+  const Place& place = frame.object.place;
+  if (!base.ifUid() && !base.ifUrl()) place.fail("\"NS.base\" is no URL");
+  if (!text.ifText()) place.fail("\"NS.relative\" is no text");
+  objects_.copy(place, text.ifText()->size());
   return Value::url({.text = *text.ifText(), .base = base.ifUrl() ? std::optional(base) : std::nullopt});
 }
 
@@ -163,25 +216,28 @@ Value Reader::url(const ArchivedObject& object) {
   throw ArchiveError(std::string(1, '"').append(word).append("\" ").append(what));
 }
 
-const Value& entry(const ValueMap& archive, std::string_view word) {
-  const Value* const value = archive.find(word);
-  if (!value) fail(word, "is missing");
-  return *value;
+std::size_t entry(const Objects& file, const Objects::Object& archive, std::string_view word) {
+  const auto number = file.find(archive, word);
+  if (!number) fail(word, "is missing");
+  return *number;
 }
 
 // The archiver's name is not looked at: what it wrote decides.
-const ValueList& objectsOf(const ValueMap& archive) {
-  if (entry(archive, kVersion) != Value(kFormatVersion)) {
+Objects::Object objectsOf(const Objects& file, Values& values, const Objects::Object& archive) {
+  const std::size_t version = entry(file, archive, kVersion);
+  if (file.object(version).isContainer() || values.of(version) != Value(kFormatVersion)) {
     fail(kVersion, "is not " + std::to_string(kFormatVersion) + ", the only one that is read");
   }
-  const ValueList* const objects = entry(archive, kObjects).ifList();
-  if (!objects) fail(kObjects, "is no list");
-  if (objects->empty() || objects->front() != Value(kNothing)) fail(kObjects, "does not begin with \"$null\"");
-  return *objects;
+  const Objects::Object objects = file.object(entry(file, archive, kObjects));
+  if (objects.kind() != Value::Kind::list) fail(kObjects, "is no list");
+  if (objects.count == 0 || !file.isText(file.object(file.part(objects, 0)), kNothing)) {
+    fail(kObjects, "does not begin with \"$null\"");
+  }
+  return objects;
 }
 
-std::size_t rootOf(const ValueMap& archive, std::size_t objectCount) {
-  const ValueMap* const top = entry(archive, kTop).ifMap();
+std::size_t rootOf(const Value& topValue, std::size_t objectCount) {
+  const ValueMap* const top = topValue.ifMap();
   if (!top) fail(kTop, "is no map");
   const Value* root = top->find(kRoot);
   if (!root && top->size() == 1) root = &top->begin()->second;
@@ -201,14 +257,15 @@ std::optional<Value> decode(std::string_view bytes) {
     throw ArchiveError(std::to_string(bytes.size()) + " bytes; an archive of more than " +
                        std::to_string(kLargestArchive) + " is not read");
   }
-  const property_list::Decoded list = property_list::decode(bytes);
-  if (!list.value) throw ArchiveError(list.error);
-  const ValueMap* const archive = list.value->ifMap();
-  if (!archive) throw ArchiveError("no keyed archive: the property list is no map");
-  const ValueList& objects = objectsOf(*archive);
-  const std::size_t root = rootOf(*archive, objects.size());
+  Objects file(bytes);
+  if (!file.check()) throw ArchiveError(file.takeError());
+  const Objects::Object archive = file.object(file.top());
+  if (archive.kind() != Value::Kind::map) throw ArchiveError("no keyed archive: the property list is no map");
+  Values values(file);
+  const Objects::Object objects = objectsOf(file, values, archive);
+  const std::size_t root = rootOf(values.of(entry(file, archive, kTop)), objects.count);
   if (root == 0) return std::nullopt;
-  return Reader(objects, bytes.size()).decode(root);
+  return Reader(file, values, objects, bytes.size()).decode(root);
 }
 
 }  // namespace tavlo::keyed_archive

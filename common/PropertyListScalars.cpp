@@ -17,12 +17,6 @@ bool isLowSurrogate(char32_t unit) { return (unit & ~0x3FFU) == 0xDC00U; }
 
 }  // namespace
 
-std::uint64_t bigEndian(std::string_view bytes) {
-  std::uint64_t value = 0;
-  for (const char byte : bytes) value = (value << 8U) | static_cast<unsigned char>(byte);
-  return value;
-}
-
 void appendBigEndian(std::string& out, std::uint64_t value, std::size_t size) {
   for (std::size_t i = size; i-- > 0;) out.push_back(static_cast<char>(value >> (8 * i)));
 }

@@ -33,7 +33,11 @@ inline constexpr std::string_view kHeader = "bplist00";
 inline constexpr std::size_t kTrailerSize = 32;
 
 // Of at most eight bytes.
-[[nodiscard]] std::uint64_t bigEndian(std::string_view bytes);
+[[nodiscard]] inline std::uint64_t bigEndian(std::string_view bytes) {
+  std::uint64_t value = 0;
+  for (const char byte : bytes) value = (value << 8U) | static_cast<unsigned char>(byte);
+  return value;
+}
 void appendBigEndian(std::string& out, std::uint64_t value, std::size_t size);
 
 // Between 32 and 64 bits without the change of a bit, numbers that are no number included. Absent when 32

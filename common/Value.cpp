@@ -1,6 +1,9 @@
 #include "common/Value.h"
 
 #include <algorithm>
+#include <bit>
+#include <functional>
+#include <string_view>
 #include <unordered_map>
 
 #include "common/ValueComparison.h"
@@ -9,6 +12,28 @@
 namespace tavlo {
 
 using Kind = Value::Kind;
+
+namespace {
+
+// What nearly all maps have for keys is found to be so without numbers. Long texts could be made to cost, and so could
+// those that collide in a hash table: both are left to the numbers.
+bool haveDistinctShortTexts(const std::vector<ValueMap::Entry>& entries) {
+  constexpr std::size_t kShort = 64;
+  std::vector<const std::string*> table(std::bit_ceil(2 * entries.size() + 1));
+  std::size_t collisions = 0;
+  for (const auto& [key, value] : entries) {
+    const std::string* const text = key.ifText();
+    if (!text || text->size() > kShort) return false;
+    std::size_t place = std::hash<std::string_view>()(*text) & (table.size() - 1);
+    for (; table[place]; place = (place + 1) & (table.size() - 1)) {
+      if (*table[place] == *text || ++collisions > 4 * entries.size()) return false;
+    }
+    table[place] = text;
+  }
+  return true;
+}
+
+}  // namespace
 
 std::string Integer::decimal() const {
   // Schoolbook division by ten over four 32-bit digits of the magnitude.
@@ -66,20 +91,24 @@ const void* Value::identity() const {
 
 std::strong_ordering operator<=>(const Value& a, const Value& b) { return ValueComparison().compare(a, b); }
 
-ValueMap::ValueMap(const std::vector<Entry>& entries) {
+ValueMap::ValueMap(std::vector<Entry> entries) {
   ValueNumbers numbers;
-  *this = ValueMap(entries, numbers);
+  *this = ValueMap(std::move(entries), numbers);
 }
 
-ValueMap::ValueMap(const std::vector<Entry>& entries, ValueNumbers& numbers) {
+ValueMap::ValueMap(std::vector<Entry> entries, ValueNumbers& numbers) {
+  if (haveDistinctShortTexts(entries)) {
+    entries_ = std::move(entries);
+    return;
+  }
   std::unordered_map<std::size_t, std::size_t> places;
   entries_.reserve(entries.size());
-  for (const auto& [key, value] : entries) {
-    const auto [place, isNew] = places.try_emplace(numbers.of(key), entries_.size());
+  for (Entry& entry : entries) {
+    const auto [place, isNew] = places.try_emplace(numbers.of(entry.first), entries_.size());
     if (isNew) {
-      entries_.emplace_back(key, value);
+      entries_.push_back(std::move(entry));
     } else {
-      entries_[place->second].second = value;
+      entries_[place->second].second = std::move(entry.second);
     }
   }
 }

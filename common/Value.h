@@ -152,10 +152,9 @@ class ValueMap {
 
   ValueMap() = default;
   // Of several entries with one key the last one's value counts, at the first one's place. A maker of many
-  // maps from one graph passes the same `numbers` to all, so that keys they share are looked into once; then
-  // all keys must outlive the numbers.
-  explicit ValueMap(const std::vector<Entry>& entries);
-  ValueMap(const std::vector<Entry>& entries, ValueNumbers& numbers);
+  // maps from one graph passes the same `numbers` to all, so that keys they share are looked into once.
+  explicit ValueMap(std::vector<Entry> entries);
+  ValueMap(std::vector<Entry> entries, ValueNumbers& numbers);
   ValueMap(std::initializer_list<Entry> entries) : ValueMap(std::vector<Entry>(entries)) {}
 
   // Adds the entry, or replaces the value under its key in place. Looks through all entries, as find() does.

@@ -29,10 +29,10 @@ std::string joinedInAnyOrder(std::vector<std::string> parts) {
 
 std::size_t ValueNumbers::of(const Value& value) {
   const void* const identity = value.identity();
-  if (const auto known = byIdentity_.find(identity); known != byIdentity_.end()) return known->second;
+  if (const auto known = byIdentity_.find(identity); known != byIdentity_.end()) return known->second.second;
   std::string contents = contentsOf(value);
   const std::size_t number = byContents_.try_emplace(std::move(contents), byContents_.size()).first->second;
-  if (identity) byIdentity_.emplace(identity, number);
+  if (identity) byIdentity_.try_emplace(identity, value, number);
   return number;
 }
 

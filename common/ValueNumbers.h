@@ -6,13 +6,14 @@
 //          linear in what is new about the value (times a logarithm).
 // Threads  one thread at a time.
 //
-// Every value shown must outlive the ValueNumbers: contents are known again by where they lie.
+// Contents are known again by where they lie, so all that were shown are kept.
 #pragma once
 
 #include <cstddef>
 #include <map>
 #include <string>
 #include <unordered_map>
+#include <utility>
 
 #include "common/Value.h"
 
@@ -27,7 +28,7 @@ class ValueNumbers {
   [[nodiscard]] std::string numbersOf(const ValueList& items);
   [[nodiscard]] std::string numbersOf(const ValueMap& entries);
 
-  std::unordered_map<const void*, std::size_t> byIdentity_;
+  std::unordered_map<const void*, std::pair<Value, std::size_t>> byIdentity_;
   // By kind and contents, parts being numbers. No hash table: contents may be chosen to collide in one.
   std::map<std::string, std::size_t> byContents_;
 };
