@@ -1,87 +1,85 @@
 #include "request/Renderer.h"
 
 #include "common/Format.h"
-#include "request/UrlEncode.h"
+#include "request/TextWriter.h"
 
 namespace tavlo {
 namespace {
 
-// A filled-in session makes a query of one to two KiB; one allocation holds most.
-constexpr std::size_t kQueryReserve = 2048;
-
-// Appends a row's value to `out`, reading its source once.
+// Writes a row's value to `out`, reading its source once.
 class ValueWriter {
  public:
   // `raw`, where wanted, gets the text that was read.
-  ValueWriter(std::string& out, Rendering rendering, const TavloPackage* package, Text* raw = nullptr)
+  ValueWriter(TextWriter& out, Rendering rendering, const TavloPackage* package, Text* raw = nullptr)
       : out_(out), rendering_(rendering), package_(package), raw_(raw) {}
 
-  void operator()(const Constant& source) const { out_ += source.text; }
+  void operator()(const Constant& source) const { out_.append(source.text); }
   void operator()(PackageText source) const {
     appendRead(package_ ? (package_->*readOf(source).read)() : std::nullopt);
   }
-  void operator()(const PackageFlag& source) const { appendBoolean(out_, package_ && (package_->*source.read)()); }
-  void operator()(const PackageInteger& source) const {
-    appendInteger(out_, package_ ? (package_->*source.read)() : 0);
-  }
+  void operator()(const PackageFlag& source) const { out_.append(package_ && (package_->*source.read)() ? '1' : '0'); }
+  void operator()(const PackageInteger& source) const { out_.appendInteger(package_ ? (package_->*source.read)() : 0); }
   void operator()(const TextOperation& source) const { appendRead(source.call()); }
-  void operator()(const IntegerOperation& source) const { appendInteger(out_, source.call()); }
+  void operator()(const IntegerOperation& source) const { out_.appendInteger(source.call()); }
   void operator()(const ListOperation&) const {}  // no text: renderMap() takes a list whole
 
  private:
   void appendRead(const Text& text) const {
     if (raw_) *raw_ = text;
-    if (text && rendering_ == Rendering::encoded) {
-      appendUrlEncoded(out_, *text);
+    if (!text) {
+      out_.append(kAbsent);
+    } else if (rendering_ == Rendering::encoded) {
+      out_.appendUrlEncoded(*text);
     } else {
-      appendText(out_, text);
+      out_.append(*text);
     }
   }
 
-  std::string& out_;
+  TextWriter& out_;
   Rendering rendering_;
   const TavloPackage* package_;
   Text* raw_;
 };
 
-void appendValue(std::string& out, const Pair& row, const TavloPackage* package) {
+void writeValue(TextWriter& out, const Pair& row, const TavloPackage* package) {
   std::visit(ValueWriter(out, row.rendering, package), row.source);
 }
 
 }  // namespace
 
 std::string renderQuery(const Contract& contract, const TavloPackage* package) {
-  std::string query;
-  query.reserve(kQueryReserve);
+  TextWriter query;
   for (const Pair& row : contract.pairs) {
-    if (contract.form == Form::appended || !query.empty()) query += '&';
-    query += row.key;
-    query += '=';
-    appendValue(query, row, package);
+    if (contract.form == Form::appended || !query.empty()) query.append('&');
+    query.append(row.key);
+    query.append('=');
+    writeValue(query, row, package);
   }
-  return query;
+  return query.take();
 }
 
 ValueMap renderMap(const Contract& contract, const TavloPackage* package) {
   ValueMap map;
   map.reserve(contract.pairs.size());
+  TextWriter text;
   for (const Pair& row : contract.pairs) {
     if (const auto* source = std::get_if<ListOperation>(&row.source)) {
       map.append(row.key, source->call());
       continue;
     }
-    std::string text;
-    appendValue(text, row, package);
-    map.append(row.key, std::move(text));
+    writeValue(text, row, package);
+    map.append(row.key, text.take());
   }
   return map;
 }
 
 RenderedPair explain(const Pair& pair, const TavloPackage* package) {
   RenderedPair rendered;
+  TextWriter sent;
   const bool isText =
       std::holds_alternative<PackageText>(pair.source) || std::holds_alternative<TextOperation>(pair.source);
-  std::visit(ValueWriter(rendered.sent, pair.rendering, package, &rendered.raw), pair.source);
+  std::visit(ValueWriter(sent, pair.rendering, package, &rendered.raw), pair.source);
+  rendered.sent = sent.take();
   if (!isText) rendered.raw = rendered.sent;
   return rendered;
 }

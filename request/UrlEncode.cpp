@@ -108,12 +108,18 @@ void appendUrlEncoded(std::string& out, std::string_view value) {
     return;
   }
   // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): only what was written is read
-  std::array<char, 3 * kStretch + sizeof(Encoded)> buffer;
+  std::array<char, urlEncodedRoom(kStretch)> buffer;
   while (!value.empty()) {
     const std::string_view stretch = value.substr(0, kStretch);
     out.append(buffer.data(), encode(stretch, buffer.data()));
     value.remove_prefix(stretch.size());
   }
+}
+
+char* writeUrlEncoded(char* to, std::string_view value) {
+  if (!allStay(value)) return encode(value, to);
+  std::memcpy(to, value.data(), value.size());
+  return to + value.size();
 }
 
 Text urlEncode(const Text& value) {

@@ -6,6 +6,7 @@
 // Absent   absent gives absent, empty gives empty.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -17,5 +18,9 @@ namespace tavlo {
 
 // The same, appended to a text that is being built.
 void appendUrlEncoded(std::string& out, std::string_view value);
+
+// The same, written to `to`, which has room for urlEncodedRoom(value.size()) bytes. Gives the end of what counts.
+[[nodiscard]] char* writeUrlEncoded(char* to, std::string_view value);
+[[nodiscard]] constexpr std::size_t urlEncodedRoom(std::size_t size) { return 3 * size + 1; }
 
 }  // namespace tavlo

@@ -1,0 +1,53 @@
+// TextWriter: a text being built. What it holds lies in the writer itself, which asks for no memory until there is
+// more than kRoom, so that a request costs one allocation, of its own size.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <string_view>
+
+namespace tavlo {
+
+class TextWriter {
+ public:
+  static constexpr std::size_t kRoom = 4096;  // bytes
+
+  TextWriter() = default;
+  TextWriter(const TextWriter&) = delete;
+  TextWriter& operator=(const TextWriter&) = delete;
+  ~TextWriter() = default;
+
+  void append(std::string_view text) {
+    if (text.size() > room()) return appendLong(text);
+    std::memcpy(end_, text.data(), text.size());
+    end_ += text.size();
+  }
+  void append(char c) {
+    makeRoom(1);
+    *end_++ = c;
+  }
+  void appendUrlEncoded(std::string_view value);
+  void appendInteger(std::int32_t value);  // signed decimal
+
+  [[nodiscard]] bool empty() const { return end_ == buffer_.data() && flushed_.empty(); }
+
+  // What was written. The writer is empty then.
+  [[nodiscard]] std::string take();
+
+ private:
+  [[nodiscard]] std::size_t room() const { return static_cast<std::size_t>(buffer_.data() + kRoom - end_); }
+  void makeRoom(std::size_t size) {
+    if (room() < size) flush();
+  }
+  void flush();
+  void appendLong(std::string_view text);
+
+  std::string flushed_;             // what had no more room
+  std::array<char, kRoom> buffer_;  // what comes behind it, up to end_
+  char* end_ = buffer_.data();
+};
+
+}  // namespace tavlo
