@@ -4,12 +4,22 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 
 namespace tavlo {
 namespace {
 
 // The RFC's character classes, one bit each.
-enum Class : std::uint8_t { kAlpha = 1, kDigit = 2, kHexLetter = 4, kMark = 8, kSubDelim = 16 };
+enum Class : std::uint8_t {
+  kAlpha = 1,
+  kDigit = 2,
+  kHexLetter = 4,
+  kMark = 8,
+  kSubDelim = 16,
+  kColon = 32,
+  kInPath = 64,
+  kInQuery = 128
+};
 constexpr std::uint8_t kUnreserved = kAlpha | kDigit | kMark;
 
 constexpr auto kClasses = [] {
@@ -22,6 +32,9 @@ constexpr auto kClasses = [] {
   add("ABCDEFabcdef", kHexLetter);
   add("-._~", kMark);
   add("!$&'()*+,;=", kSubDelim);
+  add(":", kColon);
+  add("@/", kInPath);
+  add("?", kInQuery);
   return classes;
 }();
 
@@ -33,15 +46,13 @@ bool allOf(std::string_view text, std::uint8_t classes, std::string_view others 
                      [&](char c) { return is(c, classes) || others.find(c) != std::string_view::npos; });
 }
 
-// Unreserved characters, sub-delims, percent triplets and the others named.
-bool isEncoded(std::string_view text, std::string_view others) {
+// Unreserved characters, sub-delims, percent triplets and the other classes.
+bool isEncoded(std::string_view text, std::uint8_t others) {
+  const std::uint8_t classes = kUnreserved | kSubDelim | others;
   for (std::size_t i = 0; i < text.size(); ++i) {
-    if (text[i] == '%') {
-      if (text.size() - i < 3 || !isHexDigit(text[i + 1]) || !isHexDigit(text[i + 2])) return false;
-      i += 2;
-    } else if (!is(text[i], kUnreserved | kSubDelim) && others.find(text[i]) == std::string_view::npos) {
-      return false;
-    }
+    if (is(text[i], classes)) continue;
+    if (text[i] != '%' || text.size() - i < 3 || !isHexDigit(text[i + 1]) || !isHexDigit(text[i + 2])) return false;
+    i += 2;
   }
   return true;
 }
@@ -106,7 +117,7 @@ bool isFutureAddress(std::string_view text) {
 
 bool isAuthority(std::string_view text) {
   if (const std::size_t at = text.find('@'); at != std::string_view::npos) {
-    if (!isEncoded(text.substr(0, at), ":")) return false;
+    if (!isEncoded(text.substr(0, at), kColon)) return false;
     text.remove_prefix(at + 1);
   }
   std::string_view port;
@@ -119,7 +130,7 @@ bool isAuthority(std::string_view text) {
     if (!port.empty() && port.front() != ':') return false;
   } else {
     const std::size_t colon = std::min(text.find(':'), text.size());
-    if (!isEncoded(text.substr(0, colon), "")) return false;
+    if (!isEncoded(text.substr(0, colon), 0)) return false;
     port = text.substr(colon);
   }
   return port.empty() || allOf(port.substr(1), kDigit);
@@ -136,29 +147,37 @@ std::optional<std::string_view> cutAt(std::string_view& text, char mark) {
 
 int hexValue(char c) { return c <= '9' ? c - '0' : (c | 0x20) - 'a' + 10; }
 
-}  // namespace
-
-std::optional<UrlReference> parseUrlReference(std::string_view text) {
-  UrlReference url;
+// Whether the text is a reference; its components are in `url` then.
+bool parse(std::string_view text, UrlReference& url) {
+  constexpr std::uint8_t kBehindPath = kColon | kInPath | kInQuery;
   url.fragment = cutAt(text, '#');
   url.query = cutAt(text, '?');
-  if (!isEncoded(url.fragment.value_or(""), ":@/?") || !isEncoded(url.query.value_or(""), ":@/?")) return std::nullopt;
+  if (url.fragment && !isEncoded(*url.fragment, kBehindPath)) return false;
+  if (url.query && !isEncoded(*url.query, kBehindPath)) return false;
 
   // A ":" before the first "/" ends a scheme; a relative reference has none there.
-  if (const std::size_t mark = text.find_first_of(":/"); mark != std::string_view::npos && text[mark] == ':') {
-    url.scheme = text.substr(0, mark);
-    if (!isScheme(*url.scheme)) return std::nullopt;
-    text.remove_prefix(mark + 1);
+  const auto mark = std::find_if(text.begin(), text.end(), [](char c) { return c == ':' || c == '/'; });
+  if (mark != text.end() && *mark == ':') {
+    url.scheme = text.substr(0, static_cast<std::size_t>(mark - text.begin()));
+    if (!isScheme(*url.scheme)) return false;
+    text.remove_prefix(url.scheme->size() + 1);
   }
   if (text.starts_with("//")) {
     text.remove_prefix(2);
     const std::size_t slash = std::min(text.find('/'), text.size());
     url.authority = text.substr(0, slash);
-    if (!isAuthority(*url.authority)) return std::nullopt;
+    if (!isAuthority(*url.authority)) return false;
     text.remove_prefix(slash);
   }
-  if (!isEncoded(text, ":@/")) return std::nullopt;
   url.path = text;
+  return isEncoded(text, kColon | kInPath);
+}
+
+}  // namespace
+
+std::optional<UrlReference> parseUrlReference(std::string_view text) {
+  std::optional<UrlReference> url(std::in_place);
+  if (!parse(text, *url)) url.reset();
   return url;
 }
 
