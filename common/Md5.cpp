@@ -55,21 +55,49 @@ void advance(State& state, const char* block) {
   a = b + std::rotl(sum, kRotations[step / 16][step % 4]);
 }
 
+// Takes the state by value, so that it stays in registers from block to block.
 template <std::size_t... steps>
-void transform(State& state, const char* block, std::index_sequence<steps...>) {
-  State next = state;
-  (advance<steps>(next, block), ...);
-  for (std::size_t i = 0; i < state.size(); ++i) state[i] += next[i];
+State transformed(State state, std::string_view blocks, std::index_sequence<steps...>) {
+  for (; blocks.size() >= kBlockSize; blocks.remove_prefix(kBlockSize)) {
+    State next = state;
+    (advance<steps>(next, blocks.data()), ...);
+    for (std::size_t i = 0; i < state.size(); ++i) state[i] += next[i];
+  }
+  return state;
 }
 
-void transform(State& state, const char* block) { transform(state, block, std::make_index_sequence<64>()); }
+State transformed(const State& state, std::string_view blocks) {
+  return transformed(state, blocks, std::make_index_sequence<64>());
+}
+
+// The digest takes its length as a 32-bit count, which wraps.
+constexpr std::size_t countedIn32Bits(std::size_t length) { return static_cast<std::uint32_t>(length); }
+static_assert(countedIn32Bits(0xFFFFFFFF) == 0xFFFFFFFF);
+static_assert(sizeof(std::size_t) == 4 || countedIn32Bits(std::size_t{0xFFFFFFFF} + 6) == 5);
+
+// What a reader of NUL-terminated text sees.
+std::string_view upToFirstNul(std::string_view text) {
+  return text.substr(0, countedIn32Bits(std::min(text.find('\0'), text.size())));
+}
+
+using Digits = std::array<char, 2 * std::tuple_size_v<Md5Digest>>;
+
+Digits digitsOf(const Md5Digest& digest) {
+  constexpr std::string_view kDigits = "0123456789abcdef";
+  Digits digits{};
+  for (std::size_t i = 0; i < digest.size(); ++i) {
+    digits[2 * i] = kDigits[digest[i] >> 4U];
+    digits[2 * i + 1] = kDigits[digest[i] & 15U];
+  }
+  return digits;
+}
 
 }  // namespace
 
 Md5Digest md5Digest(std::string_view bytes) {
-  State state = kInitial;
   const std::uint64_t bits = std::uint64_t{bytes.size()} * 8;
-  for (; bytes.size() >= kBlockSize; bytes.remove_prefix(kBlockSize)) transform(state, bytes.data());
+  State state = transformed(kInitial, bytes);
+  bytes.remove_prefix(bytes.size() / kBlockSize * kBlockSize);
 
   // The rest, one set bit, zeros, and the length in bits: one block or two.
   std::array<char, 2 * kBlockSize> tail{};
@@ -77,22 +105,23 @@ Md5Digest md5Digest(std::string_view bytes) {
   tail[bytes.size()] = static_cast<char>(0x80);
   const std::size_t end = bytes.size() < kBlockSize - kLengthSize ? kBlockSize : 2 * kBlockSize;
   for (std::size_t i = 0; i < kLengthSize; ++i) tail[end - kLengthSize + i] = static_cast<char>(bits >> (8 * i));
-  for (std::size_t at = 0; at < end; at += kBlockSize) transform(state, tail.data() + at);
+  state = transformed(state, {tail.data(), end});
 
   Md5Digest digest;
   for (std::size_t i = 0; i < digest.size(); ++i) digest[i] = static_cast<std::uint8_t>(state[i / 4] >> (8 * (i % 4)));
   return digest;
 }
 
+std::string md5OfText(std::string_view text) { return hexadecimal(md5Digest(upToFirstNul(text))); }
+
+void appendMd5OfText(std::string& out, std::string_view text) {
+  const Digits digits = digitsOf(md5Digest(upToFirstNul(text)));
+  out.append(digits.begin(), digits.end());
+}
+
 std::string hexadecimal(const Md5Digest& digest) {
-  constexpr std::string_view kDigits = "0123456789abcdef";
-  std::string text;
-  text.reserve(2 * digest.size());
-  for (const std::uint8_t byte : digest) {
-    text += kDigits[byte >> 4U];
-    text += kDigits[byte & 15U];
-  }
-  return text;
+  const Digits digits = digitsOf(digest);
+  return {digits.begin(), digits.end()};
 }
 
 }  // namespace tavlo

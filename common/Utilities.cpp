@@ -1,7 +1,6 @@
 // The two pure operations of the face.
-#include <algorithm>
-#include <cstddef>
-#include <cstdint>
+#include <string>
+#include <string_view>
 
 #include "TavloUtility.h"
 #include "common/Md5.h"
@@ -14,16 +13,6 @@ namespace {
 
 constexpr std::string_view kNotAText = "md5:() Invalid string for passed for hash";
 
-// The digest takes its length as a 32-bit count, which wraps.
-constexpr std::size_t countedIn32Bits(std::size_t length) { return static_cast<std::uint32_t>(length); }
-static_assert(countedIn32Bits(0xFFFFFFFF) == 0xFFFFFFFF);
-static_assert(sizeof(std::size_t) == 4 || countedIn32Bits(std::size_t{0xFFFFFFFF} + 6) == 5);
-
-// What a reader of NUL-terminated text sees.
-std::string_view upToFirstNul(std::string_view text) {
-  return text.substr(0, countedIn32Bits(std::min(text.find('\0'), text.size())));
-}
-
 }  // namespace
 
 Text TavloUtility::md5(const std::optional<Value>& value) {
@@ -33,13 +22,14 @@ Text TavloUtility::md5(const std::optional<Value>& value) {
     TavloException::tavloException(kNotAText);
     return std::nullopt;
   }
-  return hexadecimal(md5Digest(upToFirstNul(*text)));
+  return md5OfText(*text);
 }
 
 Text TavloUtility::getFileExtensionFromUrl(const Text& url) {
   if (!url) return std::nullopt;
   const auto reference = parseUrlReference(*url);
   if (!reference) return std::nullopt;
+  if (reference->path.find('%') == std::string_view::npos) return std::string(pathExtension(reference->path));  // ASCII
   const std::string path = percentDecoded(reference->path);
   if (!isUtf8(path)) return std::nullopt;
   return std::string(pathExtension(path));

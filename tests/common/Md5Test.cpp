@@ -53,6 +53,14 @@ INSTANTIATE_TEST_SUITE_P(
                          "57edf4a22be3c955ac49da2e2107b67a"}),
     test::kCaseName);
 
+TEST(Md5Test, DigitsAreAppendedToWhatIsThereAndEndAtTheFirstNul) {
+  std::string name = "a/";
+
+  appendMd5OfText(name, std::string_view("abc\0def", 7));
+
+  EXPECT_EQ(name, "a/900150983cd24fb0d6963f7d28e17f72");
+}
+
 TEST(Md5Test, AgreesWithASecondImplementationOnEveryLengthTo1025) {
   std::mt19937_64 random(1321);
   for (std::size_t size = 0; size <= 1025; ++size) {
