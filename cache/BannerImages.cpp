@@ -7,8 +7,8 @@
 #include "TavloUtility.h"
 #include "cache/CacheDirectory.h"
 #include "cache/UrlText.h"
-#include "common/Format.h"
 #include "common/Logger.h"
+#include "common/Md5.h"
 #include "platform/Platform.h"
 
 namespace tavlo {
@@ -25,11 +25,7 @@ constexpr std::string_view kNoUrl = "getCacheBannerImagePath() - ERROR: Passed f
 constexpr std::string_view kNoImage = "getCacheBannerImagePath() - ERROR: Cache Banner Image Data  does not exist";
 
 // The name of an image is the digest alone, whatever its format.
-std::string imageName(std::string_view url) {
-  std::string name;
-  appendText(name, TavloUtility::md5(Value(url)));
-  return name;
-}
+std::string imageName(std::string_view url) { return md5OfText(url); }
 
 // A server chooses how much memory an image takes, so running out of it is a failed download.
 std::optional<std::string> fetched(Platform& platform, const Text& url) try {

@@ -1,11 +1,14 @@
 #include "cache/CacheDirectory.h"
 
+#include <cstddef>
 #include <string>
+#include <utility>
 
 #include "TavloUtility.h"
 #include "cache/UrlText.h"
 #include "common/Format.h"
 #include "common/Logger.h"
+#include "common/Md5.h"
 #include "common/Path.h"
 #include "platform/Platform.h"
 
@@ -27,10 +30,12 @@ constexpr std::string_view kNoVideo = "getCacheVideoDataPath() - ERROR: Cache Vi
 constexpr std::string_view kNoName = "getCacheVideoPathOfSavedInDB() - ERROR: Passed file url parameter is nil";
 constexpr std::string_view kNoSavedVideo = "getCacheVideoPathOfSavedInDB() - ERROR: Cache Video Data  does not exist";
 
-void logWith(std::string_view message, const Text& detail) {
-  std::string line(message);
-  appendText(line, detail);
-  Logger::printLog(line);
+void logWith(std::string_view message, std::string_view detail) {
+  const auto logger = Logger::installed();
+  if (!logger) return;  // nor is there a line to build
+  std::string line;
+  line.reserve(message.size() + detail.size());
+  logger->writeLine(line.append(message).append(detail));
 }
 
 // False: what is in the way of the directory could not be removed. Were it a directory by now, made by another
@@ -61,9 +66,11 @@ Text existingPath(FileManager& files, std::string_view fileName, std::string_vie
 }
 
 // The extension is that of the text as it was passed, also where the digest is that of the cleaned one.
-std::string videoName(const std::string& url) {
+std::string videoName(const Text& url) {
+  constexpr std::size_t kLongestUsual = 48;  // 32 digits, a dot, an extension
   std::string name;
-  appendText(name, TavloUtility::md5(Value(cleanedUrl(url))));
+  name.reserve(kLongestUsual);
+  appendMd5OfText(name, cleanedUrl(*url));
   name += '.';
   appendText(name, TavloUtility::getFileExtensionFromUrl(url));
   return name;
@@ -76,15 +83,15 @@ Text cacheDirectory(FileManager& files) {
 }
 
 Text pathInCacheDirectory(FileManager& files, std::string_view fileName) {
-  const Text directory = cacheDirectory(files);
+  Text directory = cacheDirectory(files);
   Existence found = files.fileExistsAtPathIsDirectory(directory);
   if (found == Existence::file) {
     if (!removeFileInTheWay(files, directory)) return std::nullopt;
     found = Existence::missing;
   }
   if (found == Existence::missing && !createDirectory(files, directory)) return std::nullopt;
-  Text path = appendedPathComponent(directory, fileName);
-  logWith(kPath, path);
+  Text path = appendedPathComponent(std::move(directory), fileName);
+  logWith(kPath, path ? std::string_view(*path) : kAbsent);
   return path;
 }
 
@@ -97,7 +104,7 @@ Text TavloUtility::getCacheVideoDataPath(const Text& url) {
     Logger::printLog(kNoUrl);
     return std::nullopt;
   }
-  return existingPath(platform::current()->fileManager(), videoName(*url), kNoVideo);
+  return existingPath(platform::current()->fileManager(), videoName(url), kNoVideo);
 }
 
 Text TavloUtility::getCacheVideoPathOfSavedInDB(const Text& name) {

@@ -42,6 +42,7 @@ std::string_view trimmed(std::string_view text, Predicate isBlank) {
 std::string_view trimmedOfWhitespace(std::string_view text) { return trimmed(text, &isWhitespace); }
 
 std::string cleanedUrl(std::string_view text) {
+  if (text.find('\n') == std::string_view::npos) return std::string(trimmed(text, &isWhitespaceOrNewline));
   std::string cleaned(text);
   std::erase(cleaned, '\n');
   return std::string(trimmed(cleaned, &isWhitespaceOrNewline));

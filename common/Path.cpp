@@ -10,13 +10,13 @@ constexpr std::string_view kKept = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqr
 
 }  // namespace
 
-Text appendedPathComponent(const Text& directory, std::string_view name) {
+Text appendedPathComponent(Text directory, std::string_view name) {
   name.remove_prefix(std::min(name.find_first_not_of('/'), name.size()));
   if (!directory || directory->empty()) return std::nullopt;
   if (name.empty()) return directory;
-  std::string path = *directory;
-  while (path.ends_with('/')) path.pop_back();
-  return path.append("/").append(name);
+  while (directory->ends_with('/')) directory->pop_back();
+  directory->append("/").append(name);
+  return directory;
 }
 
 Text fileUrl(const Text& path) {

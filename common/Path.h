@@ -12,7 +12,7 @@ inline constexpr std::string_view kLogFileName = "TavloLogFile.txt";  // in the 
 
 // A directory and a name with exactly one "/" between them; the name is not changed otherwise. With an empty
 // name the directory itself. Absent in a directory that is absent or empty.
-[[nodiscard]] Text appendedPathComponent(const Text& directory, std::string_view name);
+[[nodiscard]] Text appendedPathComponent(Text directory, std::string_view name);
 
 // The "file://" URL of an absolute path: every byte but letters, digits and !$&'()*+,-./:=@_~ percent-encoded,
 // in capital digits. Absent for any other path, and for one that holds U+0000.

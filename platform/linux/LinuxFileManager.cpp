@@ -3,6 +3,7 @@
 #include <fcntl.h>
 
 #include <cerrno>
+#include <cstddef>
 #include <system_error>
 #include <utility>
 
@@ -31,12 +32,30 @@ FileResult namesNothing() { return FileResult::failure("no path: it is absent, e
 }  // namespace
 
 LinuxFileManager::LinuxFileManager(Container container, Syscalls& syscalls)
-    : container_(std::move(container)), syscalls_(syscalls) {}
+    : container_(std::move(container)), documents_(container_.documents().string()), syscalls_(syscalls) {}
 
 // Where it cannot be made, what is to be made in it fails, and tells why.
 Text LinuxFileManager::documentDirectory() {
-  static_cast<void>(container_.makeFolder(container_.documents(), Container::Durable::fresh, syscalls_));
-  return container_.documents().string();
+  if (!documentsWereThere_) documentsWereThere_ = makeDocuments();
+  constexpr std::size_t kRoom = 64;  // for what callers append to it
+  Text path(std::in_place);
+  path->reserve(documents_.size() + kRoom);
+  path->append(documents_);
+  return path;
+}
+
+bool LinuxFileManager::makeDocuments() {
+  return container_.makeFolder(container_.documents(), Container::Durable::fresh, syscalls_);
+}
+
+// Once they were there, Documents are not looked at again before something cannot be made in them. True: they are
+// there now, and a second attempt is due. If not, errno stays.
+bool LinuxFileManager::documentsCameBack(const std::string& path) {
+  const int error = errno;
+  const bool gone = error == ENOENT && documentsWereThere_ && path.starts_with(documents_ + '/');
+  if (gone && makeDocuments()) return true;
+  errno = error;
+  return false;
 }
 
 Existence LinuxFileManager::fileExistsAtPathIsDirectory(const Text& path) {
@@ -54,7 +73,8 @@ FileResult LinuxFileManager::removeItemAtPath(const Text& path, Removal removal)
 
 FileResult LinuxFileManager::createDirectoryAtPath(const Text& path) {
   if (!names(path)) return namesNothing();
-  return result(uninterrupted([&] { return syscalls_.mkdir(path->c_str(), 0700); }) == 0, path);
+  const auto make = [&] { return uninterrupted([&] { return syscalls_.mkdir(path->c_str(), 0700); }) == 0; };
+  return result(make() || (documentsCameBack(*path) && make()), path);
 }
 
 std::optional<std::vector<std::string>> LinuxFileManager::contentsOfDirectoryAtPath(const Text& path) {
@@ -70,8 +90,9 @@ FileResult LinuxFileManager::writeToFileAtomically(std::string_view bytes, const
                                                    platform::Durable durable) {
   if (!names(path)) return namesNothing();
   const auto temporary = container_.temporary();
+  const auto write = [&] { return replaceFile(syscalls_, temporary, *path, bytes, durable); };
   return result(container_.makeFolder(temporary, Container::Durable::fresh, syscalls_) &&
-                    replaceFile(syscalls_, temporary, *path, bytes, durable),
+                    (write() || (documentsCameBack(*path) && write())),
                 path);
 }
 

@@ -1,7 +1,8 @@
 // LinuxFileManager: files by POSIX calls.
 //
-// Values   Documents is that of the container, made with mode 0700 when it is missing. Files and folders that
-//          are made are their user's alone (modes 0600 and 0700).
+// Values   Documents is that of the container, made with mode 0700 when it is missing: as it is first asked for, and,
+//          removed later, as soon as something is to be made in it. Files and folders that are made are their
+//          user's alone (modes 0600 and 0700).
 // Absent   no data from a file of more than kLargestFile bytes, nor from one that is no regular file; neither
 //          blocks. A failure's description is the system's, and the path: "Permission denied: /data/TavloCache".
 // Durable  written files replace earlier ones by a rename from the container's tmp, so they must lie on its file
@@ -9,6 +10,7 @@
 // Threads  any thread, any time.
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <optional>
 #include <string>
@@ -37,7 +39,12 @@ class LinuxFileManager final : public platform::FileManager {
                                                            platform::Durable durable) override;
 
  private:
+  bool makeDocuments();
+  bool documentsCameBack(const std::string& path);
+
   const Container container_;
+  const std::string documents_;
+  std::atomic<bool> documentsWereThere_ = false;
   Syscalls& syscalls_;
 };
 

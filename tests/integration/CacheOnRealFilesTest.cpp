@@ -46,6 +46,18 @@ TEST_F(CacheOnRealFiles, DocumentsAreMadeWhenTheyAreMissing) {
   EXPECT_EQ(TavloUtility::getDocumentDirectoryPath("a"), world_.place("TavloCache/a"));
 }
 
+TEST_F(CacheOnRealFiles, DocumentsThatAreRemovedLaterAreMadeAgain) {
+  ASSERT_TRUE(TavloUtility::getDocumentDirectoryPath("a"));
+  fs::remove_all(world_.documents());
+  world_.takeLines();
+
+  EXPECT_EQ(TavloUtility::getDocumentDirectoryPath("a"), world_.place("TavloCache/a"));
+
+  EXPECT_EQ(world_.takeLines(),
+            (Lines{"TavloCache directory created!", "Cached directory path : DOCUMENTS/TavloCache/a"}));
+  EXPECT_EQ(world_.names(), (Lines{"TavloCache"}));
+}
+
 TEST_F(CacheOnRealFiles, ALinkToADirectoryServesAsTheDirectory) {
   world_.putFolder("elsewhere");
   fs::create_directory_symlink(world_.place("elsewhere"), world_.place("TavloCache"));

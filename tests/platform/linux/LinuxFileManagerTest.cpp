@@ -36,14 +36,67 @@ class FilesOfLinux : public testing::Test {
   LinuxFileManager files_{*Container::locate(folder_.path(), "player"), syscalls_};
 };
 
-TEST_F(FilesOfLinux, DocumentsAreLookedAtWithOneCallWhenTheyAreThere) {
+TEST_F(FilesOfLinux, DocumentsThatWereThereAreNotLookedAtAgain) {
   ASSERT_EQ(files_.documentDirectory(), at("Documents"));
   EXPECT_TRUE(fs::is_directory(folder_ / "Documents"));
   syscalls_.forget();
 
   ASSERT_EQ(files_.documentDirectory(), at("Documents"));
 
-  EXPECT_LE(syscalls_.calls().size(), 2U);
+  EXPECT_THAT(syscalls_.calls(), IsEmpty());
+}
+
+TEST_F(FilesOfLinux, DocumentsThatCouldNotBeMadeAreTriedAgain) {
+  writeFile(folder_ / "Documents", "squatter");
+  ASSERT_EQ(files_.documentDirectory(), at("Documents"));
+  fs::remove(folder_ / "Documents");
+
+  ASSERT_EQ(files_.documentDirectory(), at("Documents"));
+
+  EXPECT_TRUE(fs::is_directory(folder_ / "Documents"));
+}
+
+TEST_F(FilesOfLinux, DocumentsRemovedLaterAreMadeAgainForADirectoryInThem) {
+  ASSERT_EQ(files_.documentDirectory(), at("Documents"));
+  fs::remove(folder_ / "Documents");
+
+  EXPECT_TRUE(files_.createDirectoryAtPath(at("Documents/TavloCache")));
+
+  EXPECT_TRUE(fs::is_directory(folder_ / "Documents/TavloCache"));
+  EXPECT_EQ(fs::status(folder_ / "Documents").permissions(), fs::perms::owner_all);
+}
+
+TEST_F(FilesOfLinux, DocumentsRemovedLaterAreMadeAgainForAFileInThem) {
+  ASSERT_EQ(files_.documentDirectory(), at("Documents"));
+  fs::remove(folder_ / "Documents");
+
+  EXPECT_TRUE(files_.writeToFileAtomically("image", at("Documents/a"), Durable::contents));
+
+  EXPECT_EQ(readFile(folder_ / "Documents/a"), "image");
+  EXPECT_THAT(temporaries(), IsEmpty());
+}
+
+TEST_F(FilesOfLinux, DocumentsThatCannotBeMadeAgainLeaveTheFirstFailure) {
+  ASSERT_EQ(files_.documentDirectory(), at("Documents"));
+  fs::remove(folder_ / "Documents");
+  syscalls_.setHook([](const std::string& call) { return call == "mkdir Documents" ? EACCES : 0; });
+
+  const auto created = files_.createDirectoryAtPath(at("Documents/a"));
+  const auto written = files_.writeToFileAtomically("image", at("Documents/b"), Durable::contents);
+
+  EXPECT_EQ(created.description(), "No such file or directory: " + at("Documents/a"));
+  EXPECT_EQ(written.description(), "No such file or directory: " + at("Documents/b"));
+  EXPECT_THAT(temporaries(), IsEmpty());
+}
+
+TEST_F(FilesOfLinux, WhatIsMissingBesideDocumentsDoesNotBringThemBack) {
+  ASSERT_EQ(files_.documentDirectory(), at("Documents"));
+  fs::remove(folder_ / "Documents");
+
+  EXPECT_FALSE(files_.createDirectoryAtPath(at("Documents2/a")));
+
+  EXPECT_FALSE(fs::exists(folder_ / "Documents"));
+  EXPECT_EQ(syscalls_.count("mkdir Documents2/a"), 1U);
 }
 
 TEST_F(FilesOfLinux, PathsThatNameNothingNeverReachTheSystem) {
