@@ -79,12 +79,27 @@ void checkFailure(std::string_view message, std::string_view document) {
   require(message.substr(digits).starts_with(": ") && message.size() > digits + 2, "a failure says what is wrong");
 }
 
-// The texts of an object of the document are those of the session, as far as they are there.
-void checkTexts(const cli::JsonNode& section, const Value& read) {
-  for (const cli::JsonMember& member : section.members) {
+// What an object of the document gives is in the session.
+void checkMembers(const cli::JsonNode& object, const Value& read) {
+  for (const cli::JsonMember& member : object.members) {
     const Value* const value = read.ifMap()->find(member.key);
     if (member.value.kind == cli::JsonNode::Kind::null) continue;
     require(value && *value == member.value.scalar, "the session has what the file gives");
+  }
+}
+
+void checkSections(const cli::JsonNode& document, const Value& read) {
+  for (const cli::JsonMember& section : document.members) {
+    const Value* const value = read.ifMap()->find(section.key);
+    if (section.value.kind == cli::JsonNode::Kind::null || section.key == "about") continue;
+    require(value != nullptr, "a section is one that there is");
+    const ValueList* const records = value->ifList();
+    if (!records) {
+      checkMembers(section.value, *value);
+      continue;
+    }
+    require(records->size() == section.value.items.size(), "each record is read");
+    for (std::size_t i = 0; i < records->size(); ++i) checkMembers(section.value.items[i], (*records)[i]);
   }
 }
 
@@ -101,11 +116,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   }
   require(document.find('\0') == std::string_view::npos, "the whole file is read");
   const Value whole = documentOf(*session);
-  for (const cli::JsonMember& section : cli::parseJson(document).members) {
-    if (section.key == "package" || section.key == "uniqueUser" || section.key == "identifiers") {
-      checkTexts(section.value, *whole.ifMap()->find(section.key));
-    }
-  }
+  checkSections(cli::parseJson(document), whole);
   const std::string written = cli::toJson(whole);
   require(documentOf(cli::parseSession(written, "written.json")) == whole, "what was written is what was read");
   return 0;
