@@ -21,9 +21,21 @@ packages=(
 readonly BENCH_PACKAGES=(libboost-url1.81-dev libfmt-dev libgcrypt20-dev libplist-dev nettle-dev nginx-light curl)
 readonly CI_PACKAGES=(clang libclang-rt-14-dev clang-format-14 clang-tidy-14)
 
+readonly BENCH_SERVICE=nginx-light  # the benchmarks start it themselves
+readonly POLICY=${POLICY_FILE:-/usr/sbin/policy-rc.d}
+
 fail() {
   echo "setup: $1" >&2
   exit 1
+}
+
+# Debian starts a service that it installs unless the policy, a program, ends with status 101. One that is there stays.
+forbid_services() {
+  [ ! -e "$POLICY" ] || return 0
+  trap '"${as_root[@]}" rm -f "$POLICY"' EXIT
+  # shellcheck disable=SC2016
+  "${as_root[@]}" sh -c 'printf "#!/bin/sh\nexit 101\n" > "$1" && chmod 755 "$1"' sh "$POLICY" ||
+    fail "could not forbid services in $POLICY"
 }
 
 for argument in "$@"; do
@@ -61,5 +73,7 @@ fi
 echo "setup: installing ${missing[*]}"
 "${as_root[@]}" DEBIAN_FRONTEND=noninteractive apt-get update --quiet --quiet ||
   fail "apt-get update failed; is there a network?"
+case " ${missing[*]} " in *" $BENCH_SERVICE "*) forbid_services ;; esac
 "${as_root[@]}" DEBIAN_FRONTEND=noninteractive apt-get install --yes --no-install-recommends "${missing[@]}" ||
   fail "could not install: ${missing[*]}"
+case " ${missing[*]} " in *" $BENCH_SERVICE "*) "${as_root[@]}" update-rc.d nginx disable ;; esac

@@ -7,13 +7,16 @@ import tempfile
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[2]
-REAL_TOOLS = ["basename", "bash", "cat", "dirname", "env", "grep", "mkdir", "mktemp", "rm", "sed", "tail", "xargs"]
+REAL_TOOLS = ["basename", "bash", "cat", "chmod", "dirname", "env", "grep", "mkdir", "mktemp", "rm", "sed", "sh", "tail",
+              "xargs"]
 
-# A stand-in logs its name and arguments, prints what STDOUT_<name> says and ends with STATUS_<name>.
+# A stand-in logs its name and arguments, does what DURING_<name> says when it installs, prints what STDOUT_<name> says
+# and ends with STATUS_<name>.
 STAND_IN = """
 name=$(basename "$0" | tr -c 'a-z0-9\\n' _)
 echo "$(basename "$0") $*" >> "$CALLS"
-out=STDOUT_$name status=STATUS_$name
+out=STDOUT_$name status=STATUS_$name during=DURING_$name
+[ "${1:-}" != install ] || eval "${!during:-}"
 [ -z "${!out:-}" ] || echo "${!out}"
 exit "${!status:-0}"
 """
@@ -26,7 +29,7 @@ SPECIAL = {
     "id": 'echo "${FAKE_UID:-0}"',
     "nproc": "echo 3",
 }
-STAND_INS = ["apt-get", "cmake", "ctest", "git", "clang-format-14", "clang-tidy-14", "shellcheck"]
+STAND_INS = ["apt-get", "update-rc.d", "cmake", "ctest", "git", "clang-format-14", "clang-tidy-14", "shellcheck"]
 DEMO = """
 echo "tavlo $*" | sed "s|${@: -1}|DIR|" >> "$CALLS"
 [ -d "${@: -1}" ] && echo "container is there" && echo "${@: -1}" > container

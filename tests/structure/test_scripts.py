@@ -4,7 +4,9 @@
 import os
 import shutil
 import subprocess
+import tempfile
 import unittest
+from pathlib import Path
 
 from script_run import ROOT, Run
 
@@ -58,6 +60,25 @@ class Setup(unittest.TestCase):
         run = Run("scripts/setup.sh", "--ci", UNKNOWN="clang libclang-rt-14-dev clang-format-14 clang-tidy-14")
 
         self.assertEqual(run.calls, [UPDATE, INSTALL + "clang libclang-rt-14-dev clang-format-14 clang-tidy-14"])
+
+    def test_TheServerOfTheBenchmarksIsNotStartedByItsInstallation(self):
+        with tempfile.TemporaryDirectory() as folder:
+            policy = Path(folder, "policy")
+            run = Run("scripts/setup.sh", "--bench", UNKNOWN="nginx-light", POLICY_FILE=str(policy),
+                      DURING_apt_get='echo "policy $(stat -c %a $POLICY_FILE) $(sh $POLICY_FILE; echo $?)" >> "$CALLS"')
+            left = policy.exists()
+
+        self.assertEqual(run.status, 0)
+        self.assertEqual(run.calls, [UPDATE, INSTALL + "nginx-light", "policy 755 101", "update-rc.d nginx disable"])
+        self.assertFalse(left)
+
+    def test_APolicyForServicesThatIsThereStays(self):
+        with tempfile.TemporaryDirectory() as folder:
+            policy = Path(folder, "policy")
+            policy.write_text("mine", encoding="utf-8")
+            Run("scripts/setup.sh", "--bench", UNKNOWN="nginx-light", POLICY_FILE=str(policy))
+
+            self.assertEqual(policy.read_text(encoding="utf-8"), "mine")
 
 
 class Test(unittest.TestCase):
