@@ -1,4 +1,5 @@
 #include <string>
+#include <vector>
 
 #include "TavloUtility.h"
 #include "cache/CacheDirectory.h"
@@ -16,15 +17,12 @@ using platform::Removal;
 
 constexpr std::string_view kNoList = "getFileData() - ERROR: This file  does not exist";
 
-// What cannot be removed stays; the others go all the same.
 void clear(FileManager& files) {
   const Text directory = cacheDirectory(files);
-  const auto names = files.contentsOfDirectoryAtPath(directory);
+  auto names = files.contentsOfDirectoryAtPath(directory);
   if (!names) return;
-  for (const std::string& name : *names) {
-    if (name == kLogFileName) continue;
-    static_cast<void>(files.removeItemAtPath(appendedPathComponent(directory, name), Removal::anything));
-  }
+  std::erase(*names, kLogFileName);
+  files.removeItemsOfDirectoryAtPath(directory, *names);
 }
 
 std::optional<Value> decodedList(const std::string& path, std::string_view bytes) {

@@ -69,6 +69,14 @@ class FileManager {
   // Removes an item. A symbolic link is removed, never followed. Of a directory as much is removed as can be.
   [[nodiscard]] virtual FileResult removeItemAtPath(const Text& path, Removal removal) = 0;
 
+  // Removes items of a directory by their names in it, each as Removal::anything does and in the order given. What
+  // cannot be removed stays; the others go all the same.
+  virtual void removeItemsOfDirectoryAtPath(const Text& directory, const std::vector<std::string>& names) {
+    for (const std::string& name : names) {
+      static_cast<void>(removeItemAtPath(appendedPathComponent(directory, name), Removal::anything));
+    }
+  }
+
   // Makes the last component of the path, which must be missing; those above must be there.
   [[nodiscard]] virtual FileResult createDirectoryAtPath(const Text& path) = 0;
 

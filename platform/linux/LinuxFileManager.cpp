@@ -19,7 +19,9 @@ using platform::FileResult;
 using platform::Removal;
 
 // The system would read a path with a NUL as the shorter one before it.
-bool names(const Text& path) { return path && !path->empty() && path->find('\0') == std::string::npos; }
+bool isUsable(const Text& path) { return path && !path->empty() && path->find('\0') == std::string::npos; }
+
+constexpr std::string_view kNoneInAName("/\0", 2);
 
 // What became of a call on this path, from errno when it failed.
 FileResult result(bool succeeded, const Text& path) {
@@ -60,35 +62,47 @@ bool LinuxFileManager::documentsCameBack(const std::string& path) {
 
 Existence LinuxFileManager::fileExistsAtPathIsDirectory(const Text& path) {
   struct stat status {};
-  if (!names(path) || uninterrupted([&] { return syscalls_.stat(path->c_str(), &status); }) != 0) {
+  if (!isUsable(path) || uninterrupted([&] { return syscalls_.stat(path->c_str(), &status); }) != 0) {
     return Existence::missing;
   }
   return S_ISDIR(status.st_mode) ? Existence::directory : Existence::file;
 }
 
 FileResult LinuxFileManager::removeItemAtPath(const Text& path, Removal removal) {
-  if (!names(path)) return namesNothing();
+  if (!isUsable(path)) return namesNothing();
   return result(removal == Removal::fileOnly ? removeFile(syscalls_, *path) : removeTree(syscalls_, *path), path);
 }
 
+// The directory is looked up once for all. By its path goes what is no plain file, and a name that leads elsewhere.
+void LinuxFileManager::removeItemsOfDirectoryAtPath(const Text& directory, const std::vector<std::string>& names) {
+  if (names.empty() || !isUsable(directory)) return;
+  const FileDescriptor folder = openFile(syscalls_, *directory, O_PATH | O_DIRECTORY);
+  for (const std::string& name : names) {
+    const bool isEntry = name.find_first_of(kNoneInAName) == std::string::npos;
+    const auto unlink = [&] { return syscalls_.unlinkat(folder.get(), name.c_str(), 0); };
+    if (folder && isEntry && uninterrupted(unlink) == 0) continue;
+    static_cast<void>(removeItemAtPath(appendedPathComponent(directory, name), Removal::anything));
+  }
+}
+
 FileResult LinuxFileManager::createDirectoryAtPath(const Text& path) {
-  if (!names(path)) return namesNothing();
+  if (!isUsable(path)) return namesNothing();
   const auto make = [&] { return uninterrupted([&] { return syscalls_.mkdir(path->c_str(), 0700); }) == 0; };
   return result(make() || (documentsCameBack(*path) && make()), path);
 }
 
 std::optional<std::vector<std::string>> LinuxFileManager::contentsOfDirectoryAtPath(const Text& path) {
-  return names(path) ? syscalls_.folderNames(path->c_str()) : std::nullopt;
+  return isUsable(path) ? syscalls_.folderNames(path->c_str()) : std::nullopt;
 }
 
 std::optional<std::string> LinuxFileManager::dataWithContentsOfFile(const Text& path) {
-  if (!names(path)) return std::nullopt;
+  if (!isUsable(path)) return std::nullopt;
   return readRegularFile(syscalls_, *path, kLargestFile);
 }
 
 FileResult LinuxFileManager::writeToFileAtomically(std::string_view bytes, const Text& path,
                                                    platform::Durable durable) {
-  if (!names(path)) return namesNothing();
+  if (!isUsable(path)) return namesNothing();
   const auto temporary = container_.temporary();
   const auto write = [&] { return replaceFile(syscalls_, temporary, *path, bytes, durable); };
   return result(container_.makeFolder(temporary, Container::Durable::fresh, syscalls_) &&

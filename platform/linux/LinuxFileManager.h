@@ -32,6 +32,7 @@ class LinuxFileManager final : public platform::FileManager {
   [[nodiscard]] Text documentDirectory() override;
   [[nodiscard]] platform::Existence fileExistsAtPathIsDirectory(const Text& path) override;
   [[nodiscard]] platform::FileResult removeItemAtPath(const Text& path, platform::Removal removal) override;
+  void removeItemsOfDirectoryAtPath(const Text& directory, const std::vector<std::string>& names) override;
   [[nodiscard]] platform::FileResult createDirectoryAtPath(const Text& path) override;
   [[nodiscard]] std::optional<std::vector<std::string>> contentsOfDirectoryAtPath(const Text& path) override;
   [[nodiscard]] std::optional<std::string> dataWithContentsOfFile(const Text& path) override;

@@ -143,15 +143,14 @@ bool canBeRemoved(std::string_view withoutSlash) {
 
 }  // namespace
 
-bool removeTree(Syscalls& syscalls, const std::filesystem::path& path) {
-  std::string withoutSlash = path;
-  while (withoutSlash.ends_with('/')) withoutSlash.pop_back();
+bool removeTree(Syscalls& syscalls, const std::string& path) {
+  const std::string_view withoutSlash = std::string_view(path).substr(0, path.find_last_not_of('/') + 1);
   if (!canBeRemoved(withoutSlash)) {
     errno = EINVAL;
     return false;
   }
-  if (removeFile(syscalls, path)) return true;
-  return mayBeFolder(errno) && removeFolder(syscalls, withoutSlash, errno);
+  if (uninterrupted([&] { return syscalls.unlink(path.c_str()); }) == 0) return true;
+  return mayBeFolder(errno) && removeFolder(syscalls, std::string(withoutSlash), errno);
 }
 
 }  // namespace tavlo::linux_platform

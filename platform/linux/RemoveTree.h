@@ -9,12 +9,12 @@
 // Threads  any number of threads and processes at once, on the same item as well.
 #pragma once
 
-#include <filesystem>
+#include <string>
 
 #include "platform/linux/Syscalls.h"
 
 namespace tavlo::linux_platform {
 
-[[nodiscard]] bool removeTree(Syscalls& syscalls, const std::filesystem::path& path);
+[[nodiscard]] bool removeTree(Syscalls& syscalls, const std::string& path);
 
 }  // namespace tavlo::linux_platform

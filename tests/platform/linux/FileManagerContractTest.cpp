@@ -109,5 +109,21 @@ TYPED_TEST(FileManagerContract, ARemovalTakesADirectoryWithAllInIt) {
   EXPECT_FALSE(this->files_.removeItemAtPath(this->at("folder"), Removal::anything));
 }
 
+TYPED_TEST(FileManagerContract, ItemsOfADirectoryAreRemovedByTheirNames) {
+  this->files_.removeItemsOfDirectoryAtPath(this->files_.documentDirectory(), {"gone", "folder", "file"});
+
+  EXPECT_THAT(*this->files_.contentsOfDirectoryAtPath(this->files_.documentDirectory()), UnorderedElementsAre());
+}
+
+TYPED_TEST(FileManagerContract, OnlyTheItemsNamedAreRemoved) {
+  this->files_.removeItemsOfDirectoryAtPath(this->at("folder"), {"file"});
+  this->files_.removeItemsOfDirectoryAtPath(this->files_.documentDirectory(), {});
+  this->files_.removeItemsOfDirectoryAtPath(std::nullopt, {"file"});
+  this->files_.removeItemsOfDirectoryAtPath(this->at("gone"), {"file"});
+
+  EXPECT_EQ(this->files_.dataWithContentsOfFile(this->at("file")), "bytes");
+  EXPECT_EQ(this->files_.dataWithContentsOfFile(this->at("folder/inner")), "inner");
+}
+
 }  // namespace
 }  // namespace tavlo::test
