@@ -34,10 +34,10 @@ std::int64_t Race::check() const {
   std::int64_t peak = 0;
   for (const Contestant& each : contestants_) {
     if (prepare_) prepare_();
-    const PeakOfAllocations held;
-    const std::optional<std::string> answer = each.answer();
+    std::int64_t held = 0;
+    const std::optional<std::string> answer = each.answer(held);
     if (each.role == Role::ours) {
-      peak = held.bytes();
+      peak = held;
       expected = answer;
     } else if (each.role == Role::peer && answer && answer != expected) {
       throw std::runtime_error(operation_ + ", " + input_ + ": " + each.name + " answers\n  " + shortened(*answer) +

@@ -43,7 +43,7 @@ enum class Role : std::uint8_t { ours, peer, limit };
 struct Contestant {
   std::string name;
   Role role = Role::ours;
-  std::function<std::optional<std::string>()> answer;                        // calls the work once
+  std::function<std::optional<std::string>(std::int64_t& peak)> answer;      // calls the work once
   std::function<void(benchmark::State&, const std::function<void()>&)> run;  // with what prepares a call, if anything
 };
 
@@ -134,12 +134,17 @@ class Races {
 template <typename Work>
 Race& Race::add(std::string name, Role role, Work work) {
   Contestant contestant{.name = std::move(name), .role = role, .answer = {}, .run = {}};
-  contestant.answer = [work]() mutable -> std::optional<std::string> {
+  contestant.answer = [work](std::int64_t& peak) mutable -> std::optional<std::string> {
+    std::optional<PeakOfAllocations> held(std::in_place);
     if constexpr (std::is_void_v<std::invoke_result_t<Work&>>) {
       work();
+      peak = held->bytes();
       return std::nullopt;
     } else {
-      return answerOf(work());
+      const auto result = work();
+      peak = held->bytes();
+      held.reset();
+      return answerOf(result);
     }
   };
   contestant.run = [work](benchmark::State& state, const std::function<void()>& prepare) mutable {
