@@ -9,6 +9,7 @@ namespace tavlo::bench {
 
 void addClearing(Races& races);
 void addDigests(Races& races);
+void addDownloads(Races& races);
 void addIdentifiers(Races& races);
 void addImages(Races& races);
 void addLists(Races& races);
@@ -18,7 +19,7 @@ void addSorts(Races& races);
 void addTracker(Races& races);
 void addUrlEncode(Races& races);
 
-inline constexpr std::array kAreas{addClearing, addDigests,  addIdentifiers, addImages,  addLists,
-                                   addLookUps,  addRequests, addSorts,       addTracker, addUrlEncode};
+inline constexpr std::array kAreas{addClearing, addDigests,  addDownloads, addIdentifiers, addImages,   addLists,
+                                   addLookUps,  addRequests, addSorts,     addTracker,     addUrlEncode};
 
 }  // namespace tavlo::bench
