@@ -18,7 +18,6 @@ using linux_platform::LinuxFileManager;
 using platform::Durable;
 using platform::Existence;
 using platform::Removal;
-using testing::ElementsAre;
 using testing::IsEmpty;
 
 class FilesOfLinux : public testing::Test {
@@ -97,48 +96,6 @@ TEST_F(FilesOfLinux, WhatIsMissingBesideDocumentsDoesNotBringThemBack) {
 
   EXPECT_FALSE(fs::exists(folder_ / "Documents"));
   EXPECT_EQ(syscalls_.count("mkdir Documents2/a"), 1U);
-}
-
-TEST_F(FilesOfLinux, ManyFilesOfADirectoryTakeOneLookUpOfItAndACallEach) {
-  for (const char* const name : {"a", "b", "kept"}) writeFile(folder_ / name, "x");
-
-  files_.removeItemsOfDirectoryAtPath(folder_.path().string(), {"b", "a"});
-
-  EXPECT_THAT(syscalls_.calls(), ElementsAre("open .", "unlinkat ./b", "unlinkat ./a", "close ."));
-  EXPECT_TRUE(fs::exists(folder_ / "kept"));
-}
-
-TEST_F(FilesOfLinux, ItemsOfADirectoryThatFailStayAndTheOthersGo) {
-  for (const char* const name : {"a", "b", "c"}) writeFile(folder_ / name, "x");
-  syscalls_.setHook([](const std::string& call) { return call.ends_with("b") ? EPERM : 0; });
-
-  files_.removeItemsOfDirectoryAtPath(folder_.path().string(), {"a", "b", "c"});
-
-  EXPECT_FALSE(fs::exists(folder_ / "a"));
-  EXPECT_TRUE(fs::exists(folder_ / "b"));
-  EXPECT_FALSE(fs::exists(folder_ / "c"));
-}
-
-TEST_F(FilesOfLinux, ItemsOfADirectoryThatCannotBeOpenedGoByTheirPaths) {
-  for (const char* const name : {"a", "b"}) writeFile(folder_ / name, "x");
-  syscalls_.setHook(failing("open", EMFILE));
-
-  files_.removeItemsOfDirectoryAtPath(folder_.path().string(), {"a", "b"});
-
-  EXPECT_THAT(syscalls_.calls(), ElementsAre("open .", "unlink a", "unlink b"));
-  EXPECT_FALSE(fs::exists(folder_ / "a"));
-}
-
-// The system takes an absolute name for itself and a name with a NUL for the shorter one.
-TEST_F(FilesOfLinux, ANameThatIsNoEntryNeverLeadsElsewhere) {
-  for (const char* const name : {"a", "outside"}) writeFile(folder_ / name, "x");
-  fs::create_directory(folder_ / "in");
-  writeFile(folder_ / "in/file", "x");
-
-  files_.removeItemsOfDirectoryAtPath(at("in"), {at("outside"), std::string("file\0x", 6), ".", ".."});
-
-  EXPECT_TRUE(fs::exists(folder_ / "outside"));
-  EXPECT_TRUE(fs::exists(folder_ / "in/file"));
 }
 
 TEST_F(FilesOfLinux, PathsThatNameNothingNeverReachTheSystem) {
