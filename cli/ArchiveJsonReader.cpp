@@ -54,7 +54,7 @@ class Reader {
         path.append(path.empty() ? "" : ".").append(std::get<std::string_view>(step));
       }
     }
-    throw JsonError(line, path.empty() ? what : path + ": " + what);
+    throw JsonError(line, withNulShown(path.empty() ? what : path + ": " + what));
   }
 
   template <class ReadPart>

@@ -142,7 +142,7 @@ class TreeBuilder {
         path += (path.empty() ? "" : ".") + node->members.back().key;
       }
     }
-    return path.empty() ? path : path + ": ";
+    return path.empty() ? path : withNulShown(path) + ": ";
   }
 
   JsonNode& place() {
@@ -224,6 +224,12 @@ void append(std::string& out, const Value& value) {
 }
 
 }  // namespace
+
+std::string withNulShown(std::string_view text) {
+  std::string shown;
+  for (const char c : text) c == '\0' ? shown.append("\\u0000") : shown.append(1, c);
+  return shown;
+}
 
 JsonNode parseJson(std::string_view document, std::size_t deepest) {
   Position position;

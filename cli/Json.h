@@ -31,6 +31,9 @@ struct JsonMember {
   JsonNode value;
 };
 
+// The text with each NUL as its JSON escape. What names a key in an exception's text needs it: that ends at a NUL.
+[[nodiscard]] std::string withNulShown(std::string_view text);
+
 class JsonError : public std::runtime_error {
  public:
   JsonError(std::size_t line, const std::string& what) : std::runtime_error(what), line_(line) {}

@@ -33,7 +33,7 @@ JsonNode parseJsonOf(const std::string& file, std::string_view document) {
 }
 
 void JsonReader::fail(std::size_t line, const std::string& path, const std::string& what) const {
-  throw Failure(file_ + ":" + std::to_string(line) + ": " + (path.empty() ? "" : path + ": ") + what);
+  throw Failure(file_ + ":" + std::to_string(line) + ": " + (path.empty() ? "" : withNulShown(path) + ": ") + what);
 }
 
 void JsonReader::failKind(const JsonNode& node, const std::string& path, const std::string& expected) const {

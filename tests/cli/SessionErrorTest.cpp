@@ -57,6 +57,9 @@ const std::vector<ErrorCase> kWrongKinds{
 };
 
 const std::vector<ErrorCase> kKeys{
+    // The text of an exception ends at a NUL.
+    {"UnknownSectionWithANul", "{\"\\u0000e\": 1}",
+     "1: \\u0000e: unknown key, expected package, uniqueUser, trackerRecords, identifiers or about"},
     {"UnknownSection", "{\n\"packages\":\n{}}",
      "2: packages: unknown key, expected package, uniqueUser, trackerRecords, identifiers or about"},
     {"UnknownPackageKey", R"({"package": {"latitude": "1"}})",
@@ -89,6 +92,8 @@ const std::vector<ErrorCase> kNumbers{
      "1: package.preRoll: expected an integer from -2147483648 to 2147483647, got 18446744073709551616"},
     {"IntegerAbove128Bits", "{\"trackerRecords\": [{\"count\":\n170141183460469231731687303715884105728}]}",
      "2: trackerRecords[0].count: expected an integer of at most 128 bits"},
+    {"RealBeyondAllUnderAKeyWithANul", "{\"\\u0000\": 1e999}",
+     "1: \\u0000: expected a number that 64 bits can hold as a real"},
     {"RealBeyondAll", "{\"trackerRecords\": [{\"count\":\n1e999}]}",
      "2: trackerRecords[0].count: expected a number that 64 bits can hold as a real"},
 };
