@@ -58,17 +58,25 @@ std::string renderQuery(const Contract& contract, const TavloPackage* package) {
   return query.take();
 }
 
-ValueMap renderMap(const Contract& contract, const TavloPackage* package) {
+ValueList keysOf(const Contract& contract) {
+  ValueList keys;
+  keys.reserve(contract.pairs.size());
+  for (const Pair& row : contract.pairs) keys.emplace_back(row.key);
+  return keys;
+}
+
+ValueMap renderMap(const Contract& contract, const ValueList& keys, const TavloPackage* package) {
   ValueMap map;
   map.reserve(contract.pairs.size());
   TextWriter text;
-  for (const Pair& row : contract.pairs) {
+  for (std::size_t i = 0; i < contract.pairs.size(); ++i) {
+    const Pair& row = contract.pairs[i];
     if (const auto* source = std::get_if<ListOperation>(&row.source)) {
-      map.append(row.key, source->call());
+      map.append(keys[i], source->call());
       continue;
     }
     writeValue(text, row, package);
-    map.append(row.key, text.take());
+    map.append(keys[i], text.take());
   }
   return map;
 }

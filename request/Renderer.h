@@ -13,8 +13,11 @@ namespace tavlo {
 // then absent, its truth value false and its integers 0.
 [[nodiscard]] std::string renderQuery(const Contract& contract, const TavloPackage* package);
 
-// The pairs of a map contract as a map, its entries in the contract's order.
-[[nodiscard]] ValueMap renderMap(const Contract& contract, const TavloPackage* package);
+// The keys of a contract as values, which all maps that are rendered of it can share.
+[[nodiscard]] ValueList keysOf(const Contract& contract);
+
+// The pairs of a map contract, under the keys of keysOf(), as a map in the contract's order.
+[[nodiscard]] ValueMap renderMap(const Contract& contract, const ValueList& keys, const TavloPackage* package);
 
 // One pair read once and rendered, for those who explain a request.
 struct RenderedPair {

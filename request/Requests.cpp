@@ -18,8 +18,10 @@ std::string TavloUtility::getInAppNotificationAdditionalRequest() {
 std::string TavloUtility::getUserInfoRequestString() { return renderQuery(kUserContract, nullptr); }
 
 Value TavloUtility::trackerNetworkSessionData() {
+  // Never destroyed: a thread may still build a payload when main is left.
+  static const auto* const keys = new ValueList(keysOf(kTrackerContract));
   const auto package = TavloPackage::sharedInstance();
-  return Value::map(renderMap(kTrackerContract, package.get()));
+  return Value::map(renderMap(kTrackerContract, *keys, package.get()));
 }
 
 }  // namespace tavlo
