@@ -177,5 +177,24 @@ TEST(KeyedArchiveRepeatedKey, MapInAFieldHasEachKeyOnce) {
   EXPECT_EQ(*fields.find("map")->ifMap()->begin(), ValueMap::Entry("k", 3));
 }
 
+// An archive whose objects are `count` times the one that has the name "a" a thousand times, and a class.
+std::string repeatedNames(std::size_t count) {
+  RawArchive raw;
+  std::vector<std::uint64_t> indices;
+  for (std::size_t i = 0; i < count; ++i) indices.push_back(4 + i);
+  RawArchive::Numbers objects = {raw.array(2, raw.uids(indices)), raw.classObject("NSArray"), raw.classObject("Ad")};
+  const RawArchive::Entry field = {raw.ascii("a"), raw.integer(1)};
+  objects.resize(objects.size() + count, raw.object(3, std::vector<RawArchive::Entry>(1000, field)));
+  return raw.bytes(objects);
+}
+
+// Whoever looks for a name looks at each of them.
+TEST(KeyedArchiveRepeatedKey, RepeatedNamesCountOneByOneWhereObjectsAreShared) {
+  const Value object = Value::object({.className = "Ad", .fields = {{"a", 1}}});
+
+  EXPECT_EQ(decoded(repeatedNames(60)), Value::list(ValueList(60, object)));
+  EXPECT_EQ(archiveError(repeatedNames(80)), "object 72: too much is shared in other ways than by references");
+}
+
 }  // namespace
 }  // namespace tavlo::keyed_archive

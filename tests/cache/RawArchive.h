@@ -10,8 +10,8 @@
 
 namespace tavlo::test {
 
-// Each call adds an object to the property list and gives its number. Texts and containers are short, of at most 14
-// characters or parts but for lists, which have at most 255.
+// Each call adds an object to the property list and gives its number, of which there are 256. Texts are short, of at
+// most 14 characters.
 class RawArchive {
  public:
   using Number = std::size_t;
@@ -27,20 +27,17 @@ class RawArchive {
   Number integer(std::uint64_t value) { return add('\x12' + bigEndianBytes(value, 4)); }
   Number null() { return add(std::string(1, '\0')); }
   Number uid(std::uint64_t index) { return add('\x80' + bigEndianBytes(index, 1)); }
-  Number list(const Numbers& items) { return add("\xAF\x10" + references(items)); }
+  Number list(const Numbers& items) { return add("\xAF\x11" + bigEndianBytes(items.size(), 2) + references(items)); }
   Number uids(const std::vector<std::uint64_t>& indices) {
     Numbers numbers;
     for (const std::uint64_t index : indices) numbers.push_back(uid(index));
     return list(numbers);
   }
   Number map(const std::vector<Entry>& entries) {
-    std::string keys(1, static_cast<char>(0xD0U + entries.size()));
-    std::string values;
-    for (const auto& [key, value] : entries) {
-      keys.push_back(static_cast<char>(key));
-      values.push_back(static_cast<char>(value));
-    }
-    return add(keys + values);
+    Numbers parts;
+    for (const auto& [key, value] : entries) parts.push_back(key);
+    for (const auto& [key, value] : entries) parts.push_back(value);
+    return add("\xDF\x11" + bigEndianBytes(entries.size(), 2) + references(parts));
   }
 
   Number classObject(const std::string& name) { return map({{ascii("$classname"), ascii(name)}}); }
@@ -73,7 +70,7 @@ class RawArchive {
     return list_.objects.size() - 1;
   }
   static std::string references(const Numbers& numbers) {
-    std::string bytes = bigEndianBytes(numbers.size(), 1);
+    std::string bytes;
     for (const Number number : numbers) bytes.push_back(static_cast<char>(number));
     return bytes;
   }
