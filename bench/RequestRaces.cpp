@@ -109,7 +109,11 @@ void addQueries(Races& races) {
         .atMost(1.5, "the values read and encoded");
   }
   addQuery(races, "in-app request", "values of 22 to 44 B", kInAppContract,
-           TavloUtility::getInAppNotificationAdditionalRequest, setUpHost, 0.5);
+           TavloUtility::getInAppNotificationAdditionalRequest, setUpHost, 0.5)
+      .limit("its two identifiers", [] {
+        benchmark::DoNotOptimize(TavloUtility::getAppIdFromUserDefault());
+        benchmark::DoNotOptimize(TavloUtility::getOptionalIdFromUserDefault());
+      });
   addQuery(races, "unique-user fragment", "fixed counters", kUserContract, TavloUtility::getUserInfoRequestString,
            setUpHost, 0.5);
 }
