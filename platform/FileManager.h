@@ -70,9 +70,10 @@ class FileManager {
   [[nodiscard]] virtual FileResult removeItemAtPath(const Text& path, Removal removal) = 0;
 
   // Removes items of a directory by their names in it, each as Removal::anything does and in the order given. What
-  // cannot be removed stays; the others go all the same.
+  // cannot be removed stays; the others go all the same. A name that is empty or holds a "/" names no item.
   virtual void removeItemsOfDirectoryAtPath(const Text& directory, const std::vector<std::string>& names) {
     for (const std::string& name : names) {
+      if (name.empty() || name.find('/') != std::string::npos) continue;
       static_cast<void>(removeItemAtPath(appendedPathComponent(directory, name), Removal::anything));
     }
   }

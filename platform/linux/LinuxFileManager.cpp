@@ -21,7 +21,10 @@ using platform::Removal;
 // The system would read a path with a NUL as the shorter one before it.
 bool isUsable(const Text& path) { return path && !path->empty() && path->find('\0') == std::string::npos; }
 
-constexpr std::string_view kNoneInAName("/\0", 2);
+// Any other would lead out of its directory, or be the directory itself.
+bool isItemName(std::string_view name) {
+  return !name.empty() && name.find_first_of(std::string_view("/\0", 2)) == std::string_view::npos;
+}
 
 // What became of a call on this path, from errno when it failed.
 FileResult result(bool succeeded, const Text& path) {
@@ -73,14 +76,14 @@ FileResult LinuxFileManager::removeItemAtPath(const Text& path, Removal removal)
   return result(removal == Removal::fileOnly ? removeFile(syscalls_, *path) : removeTree(syscalls_, *path), path);
 }
 
-// The directory is looked up once for all. By its path goes what is no plain file, and a name that leads elsewhere.
+// The directory is looked up once for all. By its path goes what is no plain file.
 void LinuxFileManager::removeItemsOfDirectoryAtPath(const Text& directory, const std::vector<std::string>& names) {
   if (names.empty() || !isUsable(directory)) return;
   const FileDescriptor folder = openFile(syscalls_, *directory, O_PATH | O_DIRECTORY);
   for (const std::string& name : names) {
-    const bool isEntry = name.find_first_of(kNoneInAName) == std::string::npos;
+    if (!isItemName(name)) continue;
     const auto unlink = [&] { return syscalls_.unlinkat(folder.get(), name.c_str(), 0); };
-    if (folder && isEntry && uninterrupted(unlink) == 0) continue;
+    if (folder && uninterrupted(unlink) == 0) continue;
     static_cast<void>(removeItemAtPath(appendedPathComponent(directory, name), Removal::anything));
   }
 }

@@ -120,6 +120,8 @@ TYPED_TEST(FileManagerContract, OnlyTheItemsNamedAreRemoved) {
   this->files_.removeItemsOfDirectoryAtPath(this->files_.documentDirectory(), {});
   this->files_.removeItemsOfDirectoryAtPath(std::nullopt, {"file"});
   this->files_.removeItemsOfDirectoryAtPath(this->at("gone"), {"file"});
+  this->files_.removeItemsOfDirectoryAtPath(this->at("folder"), {"", "/", "//", "../file", "/../file", "inner/"});
+  this->files_.removeItemsOfDirectoryAtPath(this->files_.documentDirectory(), {"", "/", "folder/inner", "/file"});
 
   EXPECT_EQ(this->files_.dataWithContentsOfFile(this->at("file")), "bytes");
   EXPECT_EQ(this->files_.dataWithContentsOfFile(this->at("folder/inner")), "inner");
