@@ -150,7 +150,8 @@ bool removeTree(Syscalls& syscalls, const std::string& path) {
     return false;
   }
   if (uninterrupted([&] { return syscalls.unlink(path.c_str()); }) == 0) return true;
-  return mayBeFolder(errno) && removeFolder(syscalls, std::string(withoutSlash), errno);
+  const int error = errno;
+  return mayBeFolder(error) && removeFolder(syscalls, std::string(withoutSlash), error);
 }
 
 }  // namespace tavlo::linux_platform
