@@ -23,6 +23,16 @@ TEST(TextWriterTest, GivesWhatWasWrittenInOrderAndIsEmptyThen) {
   EXPECT_EQ(writer.take(), "");
 }
 
+TEST(TextWriterTest, PartsOfNothingAddNothing) {
+  TextWriter writer;
+
+  writer.append(std::string_view());
+  writer.appendUrlEncoded(std::string_view());
+
+  EXPECT_TRUE(writer.empty());
+  EXPECT_EQ(writer.take(), "");
+}
+
 // Each kind of part meets the end of the writer's own room at each of the last bytes before it, and beyond.
 TEST(TextWriterTest, PartsThatDoNotFitAnyMoreComeBehindTheOthers) {
   for (std::size_t before = kRoom - 20; before <= kRoom + 2; ++before) {
