@@ -11,6 +11,7 @@
 namespace tavlo::keyed_archive {
 namespace {
 
+using test::archiveError;
 using test::decodeArchive;
 using test::RawArchive;
 
@@ -159,6 +160,52 @@ TEST(KeyedArchiveSharing, TextThatAnObjectOfATextRefersToIsOne) {
   EXPECT_EQ(list, Value::list({"text", "text", "text"}));
   EXPECT_EQ(item(list, 0).identity(), item(list, 1).identity());
   EXPECT_EQ(item(list, 0).identity(), item(list, 2).identity());
+}
+
+TEST(KeyedArchiveSharing, OneListOfReferencesUnderTwoObjectsLeadsToTheSameObjects) {
+  RawArchive raw;
+  const auto references = raw.uids({4, 5});
+  const auto root = raw.array(6, raw.uids({2, 3}));
+  const auto first = raw.array(6, references);
+  const auto second = raw.array(6, references);
+  const auto empty = raw.array(6, raw.list({}));
+
+  const Value list = decoded(raw.bytes({root, first, second, raw.ascii("text"), empty, raw.classObject("NSArray")}));
+
+  EXPECT_EQ(item(list, 1), Value::list({"text", Value::list({})}));
+  EXPECT_EQ(item(item(list, 0), 0).identity(), item(item(list, 1), 0).identity());
+  EXPECT_EQ(item(item(list, 0), 1).identity(), item(item(list, 1), 1).identity());
+}
+
+// The only reference to object 2 stands in the list that it has itself.
+TEST(KeyedArchiveSharing, CircleThroughAListOfAnotherObjectIsSeenAtOnce) {
+  RawArchive raw;
+  const auto references = raw.uids({2});
+  const auto root = raw.array(3, references);
+  const auto inner = raw.array(3, references);
+
+  const std::string bytes = raw.bytes({root, inner, raw.classObject("NSArray")});
+
+  EXPECT_EQ(archiveError(bytes), "object 2 (NSArray): it contains itself");
+}
+
+TEST(KeyedArchiveSharing, OneObjectUnderTwoIndicesIsTwoWithTheSameContents) {
+  RawArchive raw;
+  const auto root = raw.array(4, raw.uids({2, 3}));
+  const auto object = raw.object(5, {{raw.ascii("text"), raw.ascii("x")},
+                                     {raw.ascii("list"), raw.list({raw.ascii("y")})},
+                                     {raw.ascii("uid"), raw.uid(6)}});
+
+  const Value list = decoded(
+      raw.bytes({root, object, object, raw.classObject("NSArray"), raw.classObject("Ad"), raw.ascii("referred")}));
+
+  const Value& first = item(list, 0);
+  const Value& second = item(list, 1);
+  EXPECT_NE(first.identity(), second.identity());
+  EXPECT_EQ(under(first, "text").identity(), under(second, "text").identity());
+  EXPECT_EQ(under(first, "list").identity(), under(second, "list").identity());
+  EXPECT_EQ(under(first, "uid").identity(), under(second, "uid").identity());
+  EXPECT_EQ(under(second, "uid"), Value("referred"));
 }
 
 // More objects in the archive than in the file: 200 are one text.
