@@ -88,6 +88,19 @@ TEST_F(FilesOfLinux, DocumentsThatCannotBeMadeAgainLeaveTheFirstFailure) {
   EXPECT_THAT(temporaries(), IsEmpty());
 }
 
+TEST_F(FilesOfLinux, AFailureThatTellsOfNothingMissingIsFinal) {
+  ASSERT_EQ(files_.documentDirectory(), at("Documents"));
+  syscalls_.setHook([](const std::string& call) {
+    return call.starts_with("mkdir Documents/") || call.starts_with("rename") ? EACCES : 0;
+  });
+
+  EXPECT_FALSE(files_.createDirectoryAtPath(at("Documents/a")));
+  EXPECT_FALSE(files_.writeToFileAtomically("image", at("Documents/b"), Durable::contents));
+
+  EXPECT_EQ(syscalls_.count("mkdir Documents/a"), 1U);
+  EXPECT_EQ(syscalls_.count("rename"), 1U);
+}
+
 TEST_F(FilesOfLinux, WhatIsMissingBesideDocumentsDoesNotBringThemBack) {
   ASSERT_EQ(files_.documentDirectory(), at("Documents"));
   fs::remove(folder_ / "Documents");
