@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
+#include <limits>
 
 namespace tavlo {
 namespace {
@@ -25,6 +26,7 @@ constexpr auto kEncoded = [] {
 }();
 
 constexpr std::size_t kStretch = 240;  // bytes; that many can be counted in one
+static_assert(kStretch <= std::numeric_limits<std::uint8_t>::max());
 
 // All ones for a byte that stays, else all zeros, and without a branch: so the compiler counts many at once.
 constexpr std::uint8_t whereItStays(char c) {

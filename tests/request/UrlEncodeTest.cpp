@@ -49,6 +49,16 @@ TEST(UrlEncodeTest, TextsOfEveryLengthAreEncodedToTheirEnd) {
   }
 }
 
+TEST(UrlEncodeTest, ALongTextTakesTheMemoryOfItsOwnSize) {
+  const Text escapedOnce = urlEncode(std::string(1000, 'a') + "&");
+  const Text escapedWholly = urlEncode(std::string(1000, '&'));
+
+  EXPECT_EQ(escapedOnce->size(), 1003U);
+  EXPECT_LT(escapedOnce->capacity(), 1003U + 64U);
+  EXPECT_EQ(escapedWholly->size(), 3000U);
+  EXPECT_LT(escapedWholly->capacity(), 3000U + 64U);
+}
+
 TEST(UrlEncodeTest, OneEscapeIsFoundAtEveryPlaceOfATextThatElseStays) {
   for (std::size_t length = 1; length <= 40; ++length) {
     for (std::size_t place = 0; place < length; ++place) {
