@@ -118,7 +118,7 @@ class Objects {
     return bigEndian({bytes_.data() + object.contents + (index * referenceSize_), referenceSize_});
   }
   [[nodiscard]] bool readTrailer();
-  [[nodiscard]] bool enter(std::uint64_t number);
+  [[nodiscard]] bool enter(std::uint64_t any);
   void meetAgain(std::size_t number);
   void noteUid(const Object& object);
   [[nodiscard]] bool close(const Frame& frame);

@@ -156,7 +156,7 @@ bool parse(std::string_view text, UrlReference& url) {
   if (url.query && !isEncoded(*url.query, kBehindPath)) return false;
 
   // A ":" before the first "/" ends a scheme; a relative reference has none there.
-  const auto mark = std::find_if(text.begin(), text.end(), [](char c) { return c == ':' || c == '/'; });
+  const auto* const mark = std::find_if(text.begin(), text.end(), [](char c) { return c == ':' || c == '/'; });
   if (mark != text.end() && *mark == ':') {
     url.scheme = text.substr(0, static_cast<std::size_t>(mark - text.begin()));
     if (!isScheme(*url.scheme)) return false;

@@ -11,11 +11,12 @@
 
 namespace tavlo {
 
+// NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): of the buffer only what was written is read
 class TextWriter {
  public:
   static constexpr std::size_t kRoom = 4096;  // bytes
 
-  TextWriter() = default;
+  TextWriter() = default;  // NOLINT(cppcoreguidelines-pro-type-member-init)
   TextWriter(const TextWriter&) = delete;
   TextWriter& operator=(const TextWriter&) = delete;
   ~TextWriter() = default;

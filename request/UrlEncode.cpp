@@ -47,7 +47,7 @@ std::size_t encodedSize(std::string_view value) {
   while (!value.empty()) {
     const std::string_view stretch = value.substr(0, kStretch);
     std::uint8_t staying = 0;
-    for (std::size_t i = 0; i < stretch.size(); ++i) staying -= whereItStays(stretch[i]);
+    for (const char c : stretch) staying -= whereItStays(c);
     size += 3 * stretch.size() - 2 * std::size_t{staying};
     value.remove_prefix(stretch.size());
   }
