@@ -189,7 +189,7 @@ Value Reader::map(const Frame& frame) {
 template <class Entries>
 Entries Reader::entries(const Frame& frame) {
   const std::size_t count = (whole_.size() - frame.firstValue) / 2;
-  Value* const keys = &whole_[frame.firstValue];
+  Value* const keys = whole_.data() + frame.firstValue;
   Entries entries;
   entries.reserve(count);
   for (std::size_t i = 0; i < count; ++i) {
