@@ -11,8 +11,8 @@ class Fuzz(unittest.TestCase):
     OPTIONS = ("-max_len=4096 -timeout=10 -rss_limit_mb=512 -print_final_stats=1 "
                "-artifact_prefix=build/fuzz/found/{0}/ -dict=fuzz/{0}.dict build/fuzz/new/{0} fuzz/corpus/{0}")
 
-    def call(self, target, seconds):
-        return f"tavlo_fuzz_{target} -max_total_time={seconds} " + self.OPTIONS.format(target)
+    def call(self, target, seconds, seed=0):
+        return f"tavlo_fuzz_{target} -max_total_time={seconds} -seed={seed} " + self.OPTIONS.format(target)
 
     def test_AllTargetsRunOneAfterAnotherForTheMinutesEach(self):
         run = Run("scripts/fuzz.sh", "3")
@@ -24,11 +24,12 @@ class Fuzz(unittest.TestCase):
                          ["fuzz: png for 180 s",
                           "fuzz: png held: 1234 inputs, 12 kept, 70 edges, 80 features"])
 
-    def test_NamedTargetsRunAloneForTheSeconds(self):
+    def test_NamedTargetsRunAloneForTheSecondsFromOneSeed(self):
         run = Run("scripts/fuzz.sh", "--seconds", "20", "session")
 
         self.assertEqual((run.status, run.err), (0, ""))
-        self.assertEqual(run.calls, [self.BUILD[0], self.BUILD[1] + "tavlo_fuzz_session", self.call("session", 20)])
+        self.assertEqual(run.calls, [self.BUILD[0], self.BUILD[1] + "tavlo_fuzz_session",
+                                     self.call("session", 20, 20010101)])
 
     def test_WhatBreaksOneIsToldWithItsCommandAndTheOthersStillRun(self):
         run = Run("scripts/fuzz.sh", "--seconds", "1", BREAKS="tavlo_fuzz_png")
@@ -38,7 +39,7 @@ class Fuzz(unittest.TestCase):
             "fuzz: png broke on build/fuzz/found/png/crash-1 (build/fuzz/png.log says how). Once more:\n"
             "  build/fuzz/fuzz/tavlo_fuzz_png build/fuzz/found/png/crash-1\n"
             "  Mend it, and keep the input in tests/fixtures/found/png.\n"))
-        self.assertEqual(run.calls[2:], [self.call("png", 1), self.call("session", 1)])
+        self.assertEqual(run.calls[2:], [self.call("png", 1, 20010101), self.call("session", 1, 20010101)])
 
     def test_TargetThatDoesNotStartIsAFailureToo(self):
         run = Run("scripts/fuzz.sh", "1", "png", DIES="tavlo_fuzz_png")
