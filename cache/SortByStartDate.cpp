@@ -13,7 +13,9 @@
 namespace tavlo {
 namespace {
 
+// A record and what it is sorted by. Where the ranks of two differ they decide.
 struct Keyed {
+  std::uint64_t rank = 0;
   const Value* startDate = nullptr;  // nullptr when it is missing
   const Value* record = nullptr;
 };
@@ -26,50 +28,20 @@ const Value* startDateOf(const Value& record) {
   return nothing ? nullptr : date;
 }
 
-// The first eight bytes, which decide most comparisons, and the whole text for the others.
-struct TextKey {
-  explicit TextKey(std::string_view itself) : text(itself) {
-    for (std::size_t i = 0; i < sizeof beginning; ++i) {
-      beginning = (beginning << 8U) | (i < text.size() ? static_cast<unsigned char>(text[i]) : 0U);
-    }
+// The first eight bytes, which decide most comparisons.
+std::uint64_t textRank(std::string_view text) {
+  std::uint64_t rank = 0;
+  for (std::size_t i = 0; i < sizeof rank; ++i) {
+    rank = (rank << 8U) | (i < text.size() ? static_cast<unsigned char>(text[i]) : 0U);
   }
-  bool operator<(const TextKey& other) const {
-    return beginning != other.beginning ? beginning < other.beginning : text < other.text;
-  }
-
-  std::uint64_t beginning = 0;
-  std::string_view text;
-};
+  return rank;
+}
 
 // Orders as the seconds do of numbers, a zero below zero before the other.
-std::uint64_t dateKey(double seconds) {
+std::uint64_t dateRank(double seconds) {
   const auto bits = std::bit_cast<std::uint64_t>(seconds);
   constexpr std::uint64_t kSign = std::uint64_t{1} << 63U;
   return (bits & kSign) != 0 ? ~bits : bits | kSign;
-}
-
-template <class Key, class KeyOf>
-ValueList sortedByKeys(const std::vector<Keyed>& keyed, KeyOf keyOf) {
-  std::vector<std::pair<Key, const Value*>> order;
-  order.reserve(keyed.size());
-  for (const Keyed& each : keyed) order.emplace_back(keyOf(*each.startDate), each.record);
-  std::stable_sort(order.begin(), order.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
-  ValueList sorted;
-  sorted.reserve(order.size());
-  for (const auto& [key, record] : order) sorted.push_back(*record);
-  return sorted;
-}
-
-ValueList sortedByComparison(std::vector<Keyed> order) {
-  ValueComparison comparison;
-  std::stable_sort(order.begin(), order.end(), [&](const Keyed& a, const Keyed& b) {
-    if (!a.startDate || !b.startDate) return !a.startDate && b.startDate;
-    return comparison.compare(*a.startDate, *b.startDate) < 0;
-  });
-  ValueList sorted;
-  sorted.reserve(order.size());
-  for (const Keyed& keyed : order) sorted.push_back(*keyed.record);
-  return sorted;
 }
 
 // Long texts could be made to cost: each is compared more than once.
@@ -88,16 +60,29 @@ bool isDate(const Keyed& keyed) {
 }  // namespace
 
 ValueList sortedByStartDate(const ValueList& records) {
-  std::vector<Keyed> keyed;
-  keyed.reserve(records.size());
-  for (const Value& record : records) keyed.push_back({.startDate = startDateOf(record), .record = &record});
-  if (std::all_of(keyed.begin(), keyed.end(), isDate)) {
-    return sortedByKeys<std::uint64_t>(keyed, [](const Value& date) { return dateKey(date.ifDate()->seconds); });
+  std::vector<Keyed> order;
+  order.reserve(records.size());
+  for (const Value& record : records) order.push_back({.rank = 0, .startDate = startDateOf(record), .record = &record});
+  const bool areDates = std::all_of(order.begin(), order.end(), isDate);
+  const bool areTexts = !areDates && std::all_of(order.begin(), order.end(), isShortText);
+  for (Keyed& each : order) {
+    if (areDates) each.rank = dateRank(each.startDate->ifDate()->seconds);
+    if (areTexts) each.rank = textRank(*each.startDate->ifText());
   }
-  if (std::all_of(keyed.begin(), keyed.end(), isShortText)) {
-    return sortedByKeys<TextKey>(keyed, [](const Value& text) { return TextKey(*text.ifText()); });
-  }
-  return sortedByComparison(std::move(keyed));
+
+  ValueComparison comparison;
+  std::stable_sort(order.begin(), order.end(), [&](const Keyed& a, const Keyed& b) {
+    if (a.rank != b.rank) return a.rank < b.rank;
+    if (areDates) return false;
+    if (areTexts) return *a.startDate->ifText() < *b.startDate->ifText();
+    if (!a.startDate || !b.startDate) return !a.startDate && b.startDate;
+    return comparison.compare(*a.startDate, *b.startDate) < 0;
+  });
+
+  ValueList sorted;
+  sorted.reserve(order.size());
+  for (const Keyed& each : order) sorted.push_back(*each.record);
+  return sorted;
 }
 
 }  // namespace tavlo
