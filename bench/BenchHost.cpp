@@ -1,15 +1,12 @@
 #include "bench/BenchHost.h"
 
 #include <cstdint>
-#include <cstdlib>
-#include <filesystem>
 #include <memory>
 #include <optional>
-#include <stdexcept>
 #include <string>
-#include <utility>
 
 #include "TavloUtility.h"
+#include "bench/TemporaryFolder.h"
 #include "host/SessionRecord.h"
 #include "platform/linux/LinuxPlatform.h"
 #include "request/DataBaseHandler.h"
@@ -17,25 +14,6 @@
 
 namespace tavlo::bench {
 namespace {
-
-class TemporaryContainer {
- public:
-  TemporaryContainer() {
-    std::string name = (std::filesystem::temp_directory_path() / "tavlo-bench-XXXXXX").string();
-    if (!::mkdtemp(name.data())) throw std::runtime_error("cannot make a temporary folder like " + name);
-    path_ = name;
-  }
-  TemporaryContainer(const TemporaryContainer&) = delete;
-  TemporaryContainer& operator=(const TemporaryContainer&) = delete;
-  ~TemporaryContainer() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-  }
-  [[nodiscard]] const std::filesystem::path& path() const { return path_; }
-
- private:
-  std::filesystem::path path_;
-};
 
 class FixedCounters final : public TavloUniqueUserHandler {
  public:
@@ -86,7 +64,7 @@ std::shared_ptr<TavloPackage> filledSession() {
 }  // namespace
 
 void installHost(std::size_t trackerRecords) {
-  static const TemporaryContainer container;
+  static const TemporaryFolder container;
   platform::install(
       linux_platform::make({.container = container.path(), .domain = "tavlo-bench", .quietConsole = true}));
   TavloUtility::setAppIdToUserDefault("app id of M\xC3\xBCller & co");

@@ -12,19 +12,22 @@
 
 namespace tavlo::test {
 
+// Takes out the platform and all that a host installs.
+inline void emptySlots() {
+  platform::install(nullptr);
+  TavloPackage::install(nullptr);
+  TavloUniqueUserHandler::install(nullptr);
+  DataBaseHandler::install(nullptr);
+  Logger::install(nullptr);
+  TavloException::install(nullptr);
+}
+
 class RealContainer {
  public:
   RealContainer() { restart(); }
   RealContainer(const RealContainer&) = delete;
   RealContainer& operator=(const RealContainer&) = delete;
-  ~RealContainer() {
-    platform::install(nullptr);
-    TavloPackage::install(nullptr);
-    TavloUniqueUserHandler::install(nullptr);
-    DataBaseHandler::install(nullptr);
-    Logger::install(nullptr);
-    TavloException::install(nullptr);
-  }
+  ~RealContainer() { emptySlots(); }
 
   // A platform and a host of a new process would find what this container holds now.
   void restart() {

@@ -17,7 +17,6 @@
 #include <vector>
 
 #include "TavloUtility.h"
-#include "common/TavloException.h"
 #include "host/CachedLists.h"
 #include "host/FixedPosition.h"
 #include "host/Host.h"
@@ -25,6 +24,7 @@
 #include "platform/linux/LinuxPlatform.h"
 #include "request/PackageReads.h"
 #include "tests/integration/AwaitedLogger.h"
+#include "tests/integration/RealContainer.h"
 #include "tests/support/CaseName.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -69,14 +69,7 @@ class Secrecy : public testing::Test {
     ::unsetenv("DBUS_SESSION_BUS_ADDRESS");
     ::setenv("XDG_RUNTIME_DIR", folder_.path().c_str(), 1);
   }
-  ~Secrecy() override {
-    platform::install(nullptr);
-    TavloPackage::install(nullptr);
-    TavloUniqueUserHandler::install(nullptr);
-    DataBaseHandler::install(nullptr);
-    Logger::install(nullptr);
-    TavloException::install(nullptr);
-  }
+  ~Secrecy() override { test::emptySlots(); }
 
   const test::TemporaryFolder folder_;
   const fs::path container_ = folder_ / "outer/box";
