@@ -1,10 +1,12 @@
-// How often a test of races and random inputs repeats itself: a tenth under ThreadSanitizer, which is slow and
-// sees a race without repetition; more when the environment variable TAVLO_TEST_SCALE says so many times.
+// How often a test of races and random inputs repeats itself: seldom in the suite, as often as the plan of tests asks
+// for with --full (or TAVLO_TEST_FULL=1 in the environment), and a tenth under ThreadSanitizer, which is slow and sees
+// a race without repetition.
 #pragma once
 
 #include <algorithm>
 #include <cstdlib>
-#include <string>
+#include <iostream>
+#include <string_view>
 
 namespace tavlo::test {
 
@@ -17,9 +19,16 @@ inline constexpr bool kUnderThreadSanitizer = false;
 #endif
 
 [[nodiscard]] inline int scaled(int repetitions) {
-  const char* const scale = std::getenv("TAVLO_TEST_SCALE");
-  const int times = scale ? std::max(1, std::atoi(scale)) : 1;
-  return std::max(1, (kUnderThreadSanitizer ? repetitions / 10 : repetitions) * times);
+  return std::max(1, kUnderThreadSanitizer ? repetitions / 10 : repetitions);
+}
+
+[[nodiscard]] inline bool atFullFigures() { return std::getenv("TAVLO_TEST_FULL") != nullptr; }
+
+[[nodiscard]] inline int figure(int brief, int full) { return atFullFigures() ? full : scaled(brief); }
+
+// Says which figure of the plan a test reached; scripts/trust.sh reads it.
+inline void reached(std::string_view item, std::string_view what) {
+  std::cout << "[ FIGURE ] " << item << ": " << what << std::endl;
 }
 
 }  // namespace tavlo::test

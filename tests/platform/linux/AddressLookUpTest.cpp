@@ -2,13 +2,13 @@
 // library ends the test.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <random>
 #include <stdexcept>
 #include <string>
 
 #include "platform/linux/AddressLookUp.h"
 #include "tests/support/Scale.h"
+#include "tests/support/Seed.h"
 
 namespace tavlo::test {
 namespace {
@@ -80,10 +80,7 @@ TEST(AddressLookUp, AnswersCutAtEveryByteAreErrors) {
 }
 
 TEST(AddressLookUp, SpoiltAnswersGiveAnAddressOrAnError) {
-  const char* const given = std::getenv("TAVLO_TEST_SEED");
-  const unsigned seed = given ? static_cast<unsigned>(std::strtoul(given, nullptr, 10)) : 20261116U;
-  SCOPED_TRACE("TAVLO_TEST_SEED=" + std::to_string(seed));
-  std::mt19937 random(seed);
+  std::mt19937_64 random(seed());
   const std::string whole = kAnswer;
   const std::string alphabet = "{}[]\",:\\0189-+.eEtfnu \n\x01\x7f";
 
