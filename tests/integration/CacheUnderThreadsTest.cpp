@@ -5,6 +5,7 @@
 #include <array>
 #include <atomic>
 #include <barrier>
+#include <bit>
 #include <functional>
 #include <map>
 #include <random>
@@ -12,7 +13,10 @@
 
 #include "TavloUtility.h"
 #include "tests/integration/RealWorld.h"
+#include "tests/integration/SealedBody.h"
 #include "tests/support/Scale.h"
+#include "tests/support/Seed.h"
+#include "tests/support/ThreadsAtOnce.h"
 
 namespace tavlo::test {
 namespace {
@@ -20,16 +24,9 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr int kThreads = 64;
-constexpr std::size_t kLargestBody = std::size_t{kUnderThreadSanitizer ? 256 : 4096} << 10U;
-// A body that tells whether it is whole: a letter, and then as many of it as the number before it says.
-std::string sealed(std::size_t count, char letter) { return std::to_string(count) + std::string(count + 1, letter); }
-bool isWhole(const std::string& body) {
-  const std::size_t digits = body.find_first_not_of("0123456789");
-  return digits != std::string::npos && digits > 0 && body == sealed(std::stoul(body), body[digits]);
-}
 
-// Real files; tasks run at once, on the thread that hands them over; every URL answers a body of 1 KiB or twice,
-// four times ... as much, up to the largest.
+// Real files; tasks run at once, on the thread that hands them over; every URL answers a body: of 1 KiB every other
+// time, else of 4 KiB every other time, and so on up to the largest.
 class InlinePlatform final : public platform::Platform, platform::BackgroundQueue, platform::UrlData {
  public:
   InlinePlatform(std::shared_ptr<platform::Platform> real, std::size_t largest)
@@ -43,7 +40,8 @@ class InlinePlatform final : public platform::Platform, platform::BackgroundQueu
   void dispatchAsync(std::function<void()> task) override { task(); }
   std::optional<std::string> dataWithContentsOfUrl(std::string_view) override {
     const unsigned number = ++count_;
-    return sealed(std::min(std::size_t{1024} << (number % 13), largest_), static_cast<char>('a' + (number % 26)));
+    const std::size_t size = std::size_t{1024} << 2 * std::countr_zero(number);
+    return sealed(std::min(size, largest_), static_cast<char>('a' + (number % 26)));
   }
 
   std::shared_ptr<platform::Platform> real_;
@@ -94,15 +92,21 @@ class CacheUnderThreads : public testing::Test {
     return counts;
   }
 
+  [[nodiscard]] static std::string told(int count) {
+    return std::to_string(count) + " rounds, " + std::to_string(kThreads) + " threads";
+  }
+
   RealWorld world_;
 };
 
 TEST_F(CacheUnderThreads, OneMakesTheDirectoryAndTheLosersAreToldOnce) {
+  const int count = figure(50, 1'000);
   std::atomic<int> paths = 0;
   std::atomic<int> absents = 0;
+  int allAbsents = 0;
 
   rounds(
-      scaled(1000),
+      count,
       [&] {
         fs::remove_all(world_.place("TavloCache"));
         paths = absents = 0;
@@ -117,15 +121,20 @@ TEST_F(CacheUnderThreads, OneMakesTheDirectoryAndTheLosersAreToldOnce) {
         EXPECT_EQ(lines["Cached directory path : "], paths) << round;
         EXPECT_TRUE(TavloUtility::getDocumentDirectoryPath("a")) << round;
         static_cast<void>(world_.takeLines());
+        allAbsents += absents;
       });
+  reached("T6a", told(count) + ", " + std::to_string(allAbsents) + " absents with as many lines");
 }
 
 TEST_F(CacheUnderThreads, AFileInTheWayIsRemovedAndNoImageOfTheWinnerWithIt) {
+  const int count = figure(50, 1'000);
   std::atomic<int> absents = 0;
   std::array<bool, kThreads> written{};
+  int allAbsents = 0;
+  int allWritten = 0;
 
   rounds(
-      scaled(1000),
+      count,
       [&] {
         fs::remove_all(world_.place("TavloCache"));
         world_.put("TavloCache", "squatter");
@@ -148,10 +157,16 @@ TEST_F(CacheUnderThreads, AFileInTheWayIsRemovedAndNoImageOfTheWinnerWithIt) {
                   absents)
             << round;
         EXPECT_EQ(lines["TavloCache directory created!"], 1) << round;
+        EXPECT_TRUE(TavloUtility::getDocumentDirectoryPath("a")) << round;
+        static_cast<void>(world_.takeLines());
+        allAbsents += absents;
+        allWritten += kThreads - absents;
         for (std::size_t i = 0; i < kThreads; ++i) {
           EXPECT_EQ(world_.bytes("TavloCache/image" + std::to_string(i)), written[i] ? "image" : "(no file)") << round;
         }
       });
+  reached("T6b", told(count) + ", " + std::to_string(allAbsents) + " absents with as many lines, " +
+                     std::to_string(allWritten) + " images kept");
 }
 
 TEST_F(CacheUnderThreads, TheLogSurvivesEveryClearingAndNoImageIsEverHalf) {
@@ -159,42 +174,40 @@ TEST_F(CacheUnderThreads, TheLogSurvivesEveryClearingAndNoImageIsEverHalf) {
   world_.putFolder("TavloCache");
   const std::string log(100000, 'l');
   world_.put("TavloCache/TavloLogFile.txt", log);
-  const int kCalls = scaled(200);
+  const std::uint64_t seeded = seed();
+  const int wanted = figure(300, 10'000);
   std::atomic<int> noImage = 0;
   std::atomic<int> noList = 0;
   std::atomic<int> written = 0;
   std::atomic<int> clearings = 0;
   std::atomic<int> looked = 0;
 
-  rounds(
-      1, [] {},
-      [&](int i) {
-        std::mt19937 random(static_cast<unsigned>(i));
-        for (int call = 0; call < kCalls; ++call) {
-          const std::string url = "http://h/" + std::to_string(random() % 8) + ".png";
-          switch (random() % 8) {
-            case 0: TavloUtility::clearCache(), ++clearings; break;
-            case 1:
-              EXPECT_FALSE(TavloUtility::getCachedVideoList(random() % 2 == 0));
-              ++noList, ++clearings;
-              break;
-            case 2:
-            case 3:
-            case 4: TavloUtility::cachedBannerImage(url), ++written; break;
-            default:
-              if (const Text path = TavloUtility::getCacheBannerImagePath(url)) {
-                const auto body = platform::current()->fileManager().dataWithContentsOfFile(path);
-                if (body) ++looked;  // else cleared meanwhile
-                EXPECT_TRUE(!body || isWhole(*body)) << *path;
-              } else {
-                ++noImage;
-              }
-              break;
+  onThreadsAtOnce(kThreads, [&](int thread) {
+    std::mt19937_64 random(seeded * kThreads + static_cast<std::uint64_t>(thread));
+    while (clearings < wanted) {
+      const std::string url = "http://h/" + std::to_string(random() % 8) + ".png";
+      switch (random() % 8) {
+        case 0: TavloUtility::clearCache(), ++clearings; break;
+        case 1:
+          EXPECT_FALSE(TavloUtility::getCachedVideoList(random() % 2 == 0));
+          ++noList;
+          break;
+        case 2:
+        case 3:
+        case 4: TavloUtility::cachedBannerImage(url), ++written; break;
+        default:
+          if (const Text path = TavloUtility::getCacheBannerImagePath(url)) {
+            const auto body = platform::current()->fileManager().dataWithContentsOfFile(path);
+            if (body) ++looked;  // else cleared meanwhile
+            EXPECT_TRUE(!body || isUnbroken(*body)) << *path;
+          } else {
+            ++noImage;
           }
-          EXPECT_EQ(readFile(world_.place("TavloCache/TavloLogFile.txt")).size(), log.size());
-        }
-      },
-      [](int) {});
+          break;
+      }
+      EXPECT_EQ(fs::file_size(world_.place("TavloCache/TavloLogFile.txt")), log.size());
+    }
+  });
 
   auto lines = countLines();
   EXPECT_EQ(lines["getFileData() - ERROR"], noList);
@@ -204,33 +217,41 @@ TEST_F(CacheUnderThreads, TheLogSurvivesEveryClearingAndNoImageIsEverHalf) {
   EXPECT_EQ(world_.bytes("TavloCache/TavloLogFile.txt"), log);
   EXPECT_EQ(world_.temporaries(), std::vector<std::string>{});
   EXPECT_GT(looked, 0) << "after " << clearings << " clearings";
+  reached("T6c", std::to_string(clearings) + " clearings and " + std::to_string(noList) + " by a missing list on " +
+                     std::to_string(kThreads) + " threads, " + std::to_string(written) + " images written, " +
+                     std::to_string(looked) + " read whole, the log intact");
 }
 
 TEST_F(CacheUnderThreads, ReadersOfAReplacedImageFindItWhole) {
-  platform::install(std::make_shared<InlinePlatform>(platform::current(), kLargestBody));
+  platform::install(std::make_shared<InlinePlatform>(platform::current(), std::size_t{4} << 20U));
+  Logger::install(nullptr);  // else the lines of so many reads are kept
   constexpr const char* kUrl = "http://h/a.png";
   TavloUtility::cachedBannerImage(kUrl);
-  const int kReads = scaled(40000);
+  const int wanted = figure(10'000, 1'000'000);
+  std::atomic<int> begun = 0;
   std::atomic<int> reads = 0;
+  std::atomic<int> empty = 0;
   std::atomic<int> torn = 0;
+  std::atomic<int> writes = 0;
 
-  std::vector<std::thread> threads;
-  for (int i = 0; i < 8; ++i) {
-    threads.emplace_back([&] {
-      while (reads++ < kReads) {
-        const Text path = TavloUtility::getCacheBannerImagePath(kUrl);
-        torn += path && isWhole(readFile(*path)) ? 0 : 1;
-      }
-    });
-  }
-  for (int i = 0; i < 2; ++i) {
-    threads.emplace_back([&] {
-      while (reads < kReads) TavloUtility::cachedBannerImage(kUrl);
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
+  onThreadsAtOnce(2 + 8, [&](int thread) {
+    if (thread < 2) {
+      while (reads < wanted) TavloUtility::cachedBannerImage(kUrl), ++writes;
+      return;
+    }
+    for (; begun++ < wanted; ++reads) {
+      const Text path = TavloUtility::getCacheBannerImagePath(kUrl);
+      const std::string body = path ? readFile(*path) : "";
+      empty += body.empty() ? 1 : 0;
+      torn += isUnbroken(body) ? 0 : 1;
+    }
+  });
 
-  EXPECT_EQ(torn, 0) << "of " << kReads << " reads";
+  EXPECT_EQ(reads, wanted);
+  EXPECT_EQ(empty, 0);
+  EXPECT_EQ(torn, 0);
+  reached("T7", std::to_string(reads) + " reads of one image, " + std::to_string(writes) + " replacements, " +
+                    std::to_string(torn) + " torn, " + std::to_string(empty) + " empty");
 }
 
 }  // namespace
