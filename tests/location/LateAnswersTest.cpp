@@ -8,6 +8,7 @@
 
 #include "TavloUtility.h"
 #include "tests/support/LocationPlatform.h"
+#include "tests/support/Scale.h"
 
 namespace tavlo {
 namespace {
@@ -92,9 +93,10 @@ TEST(LateAnswers, TheLastOneCountsInEveryOrder) {
   const std::vector<Order> orders = allOrders();
   std::size_t runs = 0;
   ASSERT_EQ(orders.size(), 105U);
+  const std::size_t step = test::atFullFigures() ? 1 : 23;  // coprime to 5, so that each kind comes in each place
 
   for (const Order& order : orders) {
-    for (std::size_t number = 0; number < 625; ++number) {
+    for (std::size_t number = 0; number < 625; number += step) {
       const Answers answers = answersOf(number);
       const std::size_t first = world->lookUps();
       for (const Event& event : order) {
@@ -111,7 +113,8 @@ TEST(LateAnswers, TheLastOneCountsInEveryOrder) {
     }
   }
 
-  EXPECT_EQ(runs, 65'625U);
+  EXPECT_EQ(runs, test::atFullFigures() ? 65'625U : 2'940U);
+  test::reached("T12", std::to_string(runs) + " of 65625 orders as the model says");
 }
 
 }  // namespace

@@ -46,6 +46,7 @@ class ResourcesPlatform final : public platform::Platform,
   platform::Application& sharedApplication() override { return *this; }
 
   void note(const std::string& call, const Text& argument) {
+    if (!records) return;
     const std::lock_guard lock(mutex_);
     appendText(calls_.emplace_back(call), argument);
   }
@@ -56,6 +57,7 @@ class ResourcesPlatform final : public platform::Platform,
     return std::exchange(calls_, {});
   }
 
+  bool records = true;
   Text resourcePath = "/app";
   std::set<std::string> directories = {kBundlePath};
   std::set<std::string> files = {std::string(kBundlePath) + "/volume.png", std::string(kBundlePath) + "/mute.png"};
@@ -68,6 +70,7 @@ class ResourcesPlatform final : public platform::Platform,
   Count imagesMade;
   Count controllersMade;
   std::function<void()> onBundleSought = [] {};  // while one is being opened
+  std::function<void()> onBundleGone = [] {};
   std::function<void()> onImageGone = [] {};
   std::function<void()> onControllerGone = [] {};
 
@@ -95,6 +98,7 @@ class ResourcesPlatform final : public platform::Platform,
    public:
     FakeBundle(ResourcesPlatform& platform, std::string path)
         : platform_(platform), path_(std::move(path)), counted_(platform.bundlesMade) {}
+    ~FakeBundle() override { platform_.onBundleGone(); }
     Text pathForResourceOfType(std::string_view name, std::string_view type) override {
       platform_.note("pathForResource:" + std::string(name) + " ofType:", std::string(type));
       std::string file = path_ + "/" + std::string(name) + "." + std::string(type);
@@ -176,7 +180,7 @@ class ResourcesWorld {
   ResourcesWorld(const ResourcesWorld&) = delete;
   ResourcesWorld& operator=(const ResourcesWorld&) = delete;
   ~ResourcesWorld() {
-    platform_->onImageGone = platform_->onControllerGone = [] {};
+    platform_->onBundleGone = platform_->onImageGone = platform_->onControllerGone = [] {};
     Logger::install(nullptr);
     processSlot<platform::Bundle>().store(nullptr);
     processSlot<const platform::Image>().store(nullptr);
