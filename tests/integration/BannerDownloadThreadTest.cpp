@@ -30,7 +30,6 @@ TEST_F(BannerDownloadThread, CallsReturnWhileEveryWorkerIsHeldAndAllDownloadsEnd
     if (good) images.insert(imagePath(url).filename());
   }
   EXPECT_TRUE(logger_->isEmpty());
-  RecordProperty("microsecondsIn1000Calls", std::to_string(inCalls.count()));
   server_.openGate();
 
   std::map<std::string, int> lines;
@@ -38,6 +37,8 @@ TEST_F(BannerDownloadThread, CallsReturnWhileEveryWorkerIsHeldAndAllDownloadsEnd
   EXPECT_EQ(lines, (std::map<std::string, int>{{"path", 500}, {kWritten, 500}, {kNoData, 500}}));
   const auto stored = names();
   EXPECT_EQ(std::set<std::string>(stored.begin(), stored.end()), images);
+  reached("T8", "1000 calls returned before the first answer, in " + std::to_string(inCalls.count()) +
+                    " microseconds of calls; all 1000 downloads ended");
 }
 
 TEST_F(BannerDownloadThread, APlatformTakenOutEndsWithItsLastDownload) {

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <fstream>
 #include <memory>
 #include <optional>
 #include <string>
@@ -15,6 +16,7 @@
 #include "platform/linux/LinuxPlatform.h"
 #include "tests/integration/AwaitedLogger.h"
 #include "tests/support/BadServer.h"
+#include "tests/support/Scale.h"
 
 namespace tavlo::test {
 
@@ -40,6 +42,19 @@ struct Usage {
   }
 };
 
+// The most memory that this process has had since forgetPeak(), in bytes.
+inline std::size_t peak() {
+  std::ifstream status("/proc/self/status");
+  for (std::string word; status >> word;) {
+    if (word != "VmHWM:") continue;
+    std::size_t kibibytes = 0;
+    status >> kibibytes;
+    return kibibytes << 10U;
+  }
+  return 0;
+}
+inline void forgetPeak() { std::ofstream("/proc/self/clear_refs") << 5; }
+
 // Whatever a test downloads, it leaves as many descriptors and threads as there were.
 class BannerDownloads : public testing::Test {
  protected:
@@ -62,6 +77,12 @@ class BannerDownloads : public testing::Test {
   ~BannerDownloads() override { Logger::install(nullptr); }
 
   void TearDown() override {
+    expectAllGivenBack();
+    if (behaviours_ > 0) reached("T8", std::to_string(behaviours_) + " behaviours of servers as expected");
+  }
+
+  // What the platform had of the process.
+  void expectAllGivenBack() {
     platform::install(nullptr);
     const Usage after = usageOnceItIs(before_);
     EXPECT_EQ(after.descriptors, before_.descriptors);
@@ -69,6 +90,7 @@ class BannerDownloads : public testing::Test {
   }
 
   void usePlatform(const DownloadLimits& limits) {
+    limits_ = limits;
     platform::install(linux_platform::make({.container = folder_.path(),
                                             .domain = "player",
                                             .quietConsole = true,
@@ -87,7 +109,8 @@ class BannerDownloads : public testing::Test {
     return names;
   }
 
-  // Once without a cache directory, once over an older image.
+  // Once without a cache directory, and once over an older image, for which little memory is taken. Then the platform
+  // goes, and another one takes its place.
   void expect(const Behaviour& behaviour) {
     SCOPED_TRACE(behaviour.name);
     const std::string url = server_.url(behaviour.url);
@@ -104,10 +127,20 @@ class BannerDownloads : public testing::Test {
 
     std::filesystem::create_directories(cache());
     writeFile(path, "older");
+    forgetPeak();
+    const std::size_t before = peak();
     TavloUtility::cachedBannerImage(url);
     EXPECT_EQ(logger_->takeAfter(1), (behaviour.image ? Lines{pathLine, kWritten} : Lines{kNoData}));
     EXPECT_EQ(names(), Lines{path.filename().string()});
+#ifndef TAVLO_SANITIZED  // sanitizers take memory of their own
+    EXPECT_LT(peak() - before, limits_.body + (4U << 20U));
+#else
+    static_cast<void>(before);
+#endif
     EXPECT_TRUE(readFile(path) == behaviour.image.value_or("older"));
+    expectAllGivenBack();
+    usePlatform(limits_);
+    ++behaviours_;
   }
 
   void expectAll(const std::vector<Behaviour>& behaviours) {
@@ -127,6 +160,8 @@ class BannerDownloads : public testing::Test {
 
   BadServer server_;
   Usage before_;
+  DownloadLimits limits_;
+  int behaviours_ = 0;
   TemporaryFolder folder_;
   std::shared_ptr<AwaitedLogger> logger_ = std::make_shared<AwaitedLogger>();
 };
