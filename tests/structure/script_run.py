@@ -7,15 +7,16 @@ import tempfile
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[2]
-REAL_TOOLS = ["basename", "bash", "cat", "chmod", "dirname", "env", "grep", "mkdir", "mktemp", "rm", "sed", "sh", "tail",
-              "xargs"]
+REAL_TOOLS = ["awk", "basename", "bash", "cat", "chmod", "dirname", "env", "grep", "mkdir", "mktemp", "rm", "sed", "sh",
+              "tail", "xargs"]
 
-# A stand-in logs its name and arguments, does what DURING_<name> says when it installs, prints what STDOUT_<name> says
-# and ends with STATUS_<name>.
+# A stand-in logs its name and arguments, and of its environment what PRINT_<name> names, does what DURING_<name> says
+# when it installs, prints what STDOUT_<name> says and ends with STATUS_<name>.
 STAND_IN = """
 name=$(basename "$0" | tr -c 'a-z0-9\\n' _)
 echo "$(basename "$0") $*" >> "$CALLS"
-out=STDOUT_$name status=STATUS_$name during=DURING_$name
+out=STDOUT_$name status=STATUS_$name during=DURING_$name print=PRINT_$name
+for variable in ${!print:-}; do echo "$variable=${!variable}" >> "$CALLS"; done
 [ "${1:-}" != install ] || eval "${!during:-}"
 [ -z "${!out:-}" ] || echo "${!out}"
 exit "${!status:-0}"

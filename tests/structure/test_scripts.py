@@ -10,7 +10,8 @@ from pathlib import Path
 
 from script_run import ROOT, Run
 
-SCRIPTS = ["scripts/bench.sh", "scripts/fuzz.sh", "scripts/setup.sh", "scripts/test.sh", "scripts/demo.sh", ".ci/run"]
+SCRIPTS = ["scripts/bench.sh", "scripts/fuzz.sh", "scripts/setup.sh", "scripts/test.sh", "scripts/trust.sh",
+           "scripts/demo.sh", ".ci/run"]
 
 UPDATE = "apt-get update --quiet --quiet"
 INSTALL = "apt-get install --yes --no-install-recommends "
@@ -166,7 +167,7 @@ class Ci(unittest.TestCase):
         self.assertEqual(run.calls, ["cmake --preset tsan-clang", "cmake --build --preset tsan-clang",
                                      "ctest --preset tsan-clang --parallel 3 -R Thread",
                                      "shellcheck scripts/bench.sh scripts/demo.sh scripts/fuzz.sh scripts/setup.sh "
-                                     "scripts/test.sh .ci/run"])
+                                     "scripts/test.sh scripts/trust.sh .ci/run"])
         self.assertIn("==> shell passed in", run.out)
         self.assertIn("==> all passed in", run.out)
 
@@ -191,7 +192,7 @@ class Ci(unittest.TestCase):
 
 class AllScripts(unittest.TestCase):
     def test_HelpIsPrintedAndNothingIsDone(self):
-        for script in ("scripts/bench.sh", "scripts/setup.sh", "scripts/test.sh", "scripts/demo.sh"):
+        for script in ("scripts/bench.sh", "scripts/setup.sh", "scripts/test.sh", "scripts/trust.sh", "scripts/demo.sh"):
             with self.subTest(script):
                 run = Run(script, "-h")
 
@@ -199,7 +200,7 @@ class AllScripts(unittest.TestCase):
                 self.assertTrue(run.out.startswith(f"Usage: {script} "), run.out)
 
     def test_UnknownArgumentIsAUsageError(self):
-        for script in ("scripts/bench.sh", "scripts/setup.sh", "scripts/demo.sh"):
+        for script in ("scripts/bench.sh", "scripts/setup.sh", "scripts/trust.sh", "scripts/demo.sh"):
             with self.subTest(script):
                 run = Run(script, "--bogus")
 
