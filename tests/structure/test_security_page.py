@@ -9,6 +9,7 @@ ROOT = Path(__file__).resolve().parents[2]
 NAME = re.compile(r"`([A-Z]\w+\.[A-Z]\w+)`")
 TEST = re.compile(r"^(?:TYPED_)?TEST(?:_F|_P)?\(\s*(\w+),\s*(\w+)\)", re.MULTILINE)
 STRUCTURE_TEST = re.compile(r"tavlo_structure_test\((\w+) ")
+OTHER_TEST = re.compile(r"add_test\(NAME (\w+\.\w+)")
 CLAIM = re.compile(r"^\| (?P<claim>[^|]+) \| (?P<tests>[^|]+) \|$", re.MULTILINE)
 
 
@@ -16,6 +17,7 @@ def tests_that_exist():
     sources = [*ROOT.glob("tests/**/*.cpp"), *ROOT.glob("tests/support/*.h")]
     names = {".".join(name) for path in sources for name in TEST.findall(path.read_text(encoding="utf-8"))}
     structure = (ROOT / "tests/structure/CMakeLists.txt").read_text(encoding="utf-8")
+    names.update(OTHER_TEST.findall(structure))
     return names | {f"Structure.{name}" for name in STRUCTURE_TEST.findall(structure)}
 
 
