@@ -27,7 +27,8 @@ class Temporary {
  public:
   Temporary(Syscalls& syscalls, const std::filesystem::path& folder) : syscalls_(syscalls) {
     for (int i = 0; i < kMostNames && !file_; ++i) {
-      if (!take(newName(folder))) return;
+      path_ = newName(folder);
+      if (!take()) return;
     }
   }
   Temporary(const Temporary&) = delete;
@@ -52,15 +53,14 @@ class Temporary {
 
  private:
   // False: no name will do. A name that is there already, or that a sweep gets hold of between the making
-  // and the locking, is given up for the next one.
-  bool take(const std::filesystem::path& path) {
-    FileDescriptor file = openFile(syscalls_, path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, 0600);
+  // and the locking, is given up for the next one. It asks for no memory once there is a file to remove.
+  bool take() {
+    FileDescriptor file = openFile(syscalls_, path_, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, 0600);
     if (!file) return errno == EEXIST;
     const bool locked = tryLock(syscalls_, file.get());
     if (!locked && errno == EWOULDBLOCK) return true;
     const auto links = locked ? linkCount(syscalls_, file.get()) : std::nullopt;
     if (links == nlink_t{0}) return true;
-    path_ = path;
     file_ = std::move(file);
     failed_ = !links;
     return true;

@@ -1,36 +1,20 @@
-// A banner download for which there is no memory, at every place where it asks for some. The operator new is this whole
-// program's.
+// A banner download for which there is no memory, at every place where it asks for some.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <array>
-#include <cstdlib>
 #include <functional>
+#include <future>
 #include <new>
+#include <set>
+#include <thread>
 #include <utility>
 
 #include "TavloUtility.h"
+#include "platform/linux/WorkerQueue.h"
 #include "tests/integration/RealWorld.h"
+#include "tests/support/FailingAllocations.h"
 #include "tests/support/Scale.h"
-
-namespace {
-
-constexpr int kNever = -1;
-thread_local int allocationsUntilFailure = kNever;
-
-}  // namespace
-
-// None is inlined, or the compiler takes malloc and delete, or new and free, for a mistake.
-[[gnu::noinline]] void* operator new(std::size_t size) {
-  const bool fails = allocationsUntilFailure == 0;
-  if (allocationsUntilFailure != kNever) --allocationsUntilFailure;
-  void* const memory = fails ? nullptr : std::malloc(size > 0 ? size : 1);
-  if (memory == nullptr) throw std::bad_alloc();
-  return memory;
-}
-
-[[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
-[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace tavlo::test {
 namespace {
@@ -91,11 +75,9 @@ class BannerOutOfMemory : public testing::Test {
   // False: memory never ran out.
   bool runOutAfter(int allocations) {
     TavloUtility::cachedBannerImage(url_);
-    allocationsUntilFailure = allocations;
+    OutOfMemory memory(allocations, OutOfMemory::Lasts::once);
     EXPECT_NO_THROW(platform_->task()) << allocations;
-    const bool hasFailed = allocationsUntilFailure < 0;
-    allocationsUntilFailure = kNever;
-    return hasFailed;
+    return memory.end();
   }
 
   RealWorld world_;
@@ -120,7 +102,32 @@ TEST_F(BannerOutOfMemory, IsToldAsTheFailureItIsAndLeavesTheOlderImage) {
   EXPECT_EQ(world_.bytes(kImage), std::string(20000, 'n'));
   EXPECT_THAT(world_.temporaries(), testing::IsEmpty());
   EXPECT_GT(failures, 5);
-  RecordProperty("failures", std::to_string(failures));
+  reached("T13", std::to_string(failures) + " allocations that failed in a banner's task");
+}
+
+TEST_F(BannerOutOfMemory, EndsNoWorkerThread) {
+  putOlderImage();
+  linux_platform::WorkerQueue queue(1);
+  std::set<std::thread::id> workers;
+  bool failed = true;
+
+  for (int allocations = 0; failed; ++allocations) {
+    TavloUtility::cachedBannerImage(url_);
+    std::promise<void> done;
+    queue.dispatchAsync([&] {
+      workers.insert(std::this_thread::get_id());
+      OutOfMemory memory(allocations, OutOfMemory::Lasts::toTheEnd);
+      platform_->task();
+      failed = memory.end();
+    });
+    queue.dispatchAsync([&] { done.set_value(); });
+    done.get_future().wait();
+    const std::string line = lines_->take();
+    EXPECT_TRUE(line == kWritten || (failed && (line == kNoData || line == kNotWritten))) << allocations << line;
+  }
+
+  EXPECT_EQ(workers.size(), 1U);
+  EXPECT_EQ(world_.bytes(kImage), std::string(20000, 'n'));
 }
 
 TEST_F(BannerOutOfMemory, OfTheLoggerMakesNoFailureOfAnImageThatIsWritten) {

@@ -1,5 +1,7 @@
 #include "tests/support/TemporaryFolder.h"
 
+#include <unistd.h>
+
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
@@ -9,8 +11,10 @@ namespace tavlo::test {
 
 namespace fs = std::filesystem;
 
-TemporaryFolder::TemporaryFolder() {
-  std::string name = (fs::temp_directory_path() / "tavlo-test-XXXXXX").string();
+TemporaryFolder::TemporaryFolder() : TemporaryFolder(fs::temp_directory_path()) {}
+
+TemporaryFolder::TemporaryFolder(const fs::path& above) {
+  std::string name = (above / "tavlo-test-XXXXXX").string();
   if (!::mkdtemp(name.data())) throw std::runtime_error("cannot make a temporary folder like " + name);
   path_ = name;
 }
@@ -18,6 +22,11 @@ TemporaryFolder::TemporaryFolder() {
 TemporaryFolder::~TemporaryFolder() {
   std::error_code ignored;
   fs::remove_all(path_, ignored);
+}
+
+fs::path TemporaryFolder::inMemory() {
+  constexpr const char* kInMemory = "/dev/shm";
+  return ::access(kInMemory, W_OK | X_OK) == 0 ? fs::path(kInMemory) : fs::temp_directory_path();
 }
 
 std::string readFile(const fs::path& path) {
