@@ -150,15 +150,15 @@ void WorkerQueue::Crew::add(std::function<void()> task) {
   std::call_once(enrolment_, [this] {
     if (!Registry::one().enrol(shared_from_this())) stop();
   });
-  Tasks dropped;  // destroyed after the lock is gone, as is `task`
-  const std::lock_guard lock(mutex_);
+  const std::lock_guard lock(mutex_);  // a task that is dropped is destroyed after it is gone
   if (stopping_) return;
+  const bool needsWorker = tasks_.size() >= resting_ && workers_.size() < limit_;
+  if (needsWorker && !hire() && workers_.empty()) return;
   tasks_.push_back(std::move(task));
-  const bool needsWorker = tasks_.size() > resting_ && workers_.size() < limit_;
-  if (needsWorker && !hire() && workers_.empty()) dropped.swap(tasks_);
   wake_.notify_one();
 }
 
+// False: the task is left to the workers there are, if any. Only for want of memory, and of any, it throws.
 bool WorkerQueue::Crew::hire() {
   const SignalsBlocked blocked;
   try {
@@ -166,6 +166,7 @@ bool WorkerQueue::Crew::hire() {
   } catch (const std::system_error&) {
     return false;
   } catch (const std::bad_alloc&) {
+    if (workers_.empty()) throw;
     return false;
   }
   ++alive_;

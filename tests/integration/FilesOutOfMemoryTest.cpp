@@ -1,10 +1,13 @@
-// Files of the Linux platform without memory, at every place where they ask for some.
+// Files and background tasks of the Linux platform without memory, at every place where they ask for some.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <future>
 #include <new>
 
 #include "platform/linux/AtomicFile.h"
+#include "platform/linux/WorkerQueue.h"
 #include "tests/support/FailingAllocations.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -40,6 +43,30 @@ TEST(AtomicFileOutOfMemory, LeavesTheOldFileOrTheNewOneAndNoTemporary) {
     failures += ranOut ? 1 : 0;
   }
   EXPECT_GE(failures, 5);
+}
+
+// A queue that had no memory for its first worker kept silent, and dropped the task.
+TEST(WorkerQueueOutOfMemoryThread, RunsEachTaskThatItTookAndThrowsForTheOthers) {
+  bool ranOut = true;
+  for (int allocations = 0; ranOut; ++allocations) {
+    bool thrown = false;
+    bool run = false;
+    std::promise<void> done;
+    linux_platform::WorkerQueue queue(1);
+
+    std::function<void()> task = [&run] { run = true; };
+    OutOfMemory memory(allocations, Lasts::once);
+    try {
+      queue.dispatchAsync(std::move(task));
+    } catch (const std::bad_alloc&) {
+      thrown = true;
+    }
+    ranOut = memory.end();
+    queue.dispatchAsync([&] { done.set_value(); });
+    done.get_future().wait();
+
+    EXPECT_EQ(run, !thrown) << allocations;
+  }
 }
 
 }  // namespace
