@@ -6,6 +6,7 @@
 
 #include "TavloUtility.h"
 #include "tests/platform/linux/SettingsFixture.h"
+#include "tests/support/Scale.h"
 
 namespace tavlo::test {
 namespace {
@@ -117,6 +118,7 @@ TEST_P(SettingsKillAt, AnyCallLeavesTheOldValueOrTheNewOneAndAllElseAlone) {
     EXPECT_THAT(box.temporaries(), IsEmpty());
   }
   EXPECT_GE(points, 38U);
+  reached("T1", std::to_string(points - 1) + " kills at a setter's calls");
 }
 
 TEST(SettingsKill, AnAcknowledgedValueIsOnTheDiskWhateverTheProcessDoesNext) {
