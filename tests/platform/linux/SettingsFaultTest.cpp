@@ -5,6 +5,7 @@
 #include <set>
 
 #include "tests/platform/linux/SettingsFixture.h"
+#include "tests/support/Scale.h"
 
 namespace tavlo::test {
 namespace {
@@ -104,8 +105,10 @@ TEST_P(SettingsFault, AtAnyCallOfAWriteLeavesOneFileWholeAndTheNextWriteGoesThro
     EXPECT_TRUE(store(scene.defaults, "k", "after"));
     EXPECT_EQ(scene.box.entries(), kAfter);
     EXPECT_THAT(scene.box.temporaries(), IsEmpty());
+    EXPECT_THAT(scene.box.recorder.consoleLines(), IsEmpty());
   }
   EXPECT_EQ(met, 26U);
+  reached("T3", std::to_string(met) + " faults of calls for the settings");
 }
 
 // The first write of a process, in a container that is not there at all. At the calls
@@ -139,8 +142,10 @@ TEST_P(SettingsFault, AtAnyCallOfAFirstWriteLeavesNoHalfFileAndTheNextWriteGoesT
     EXPECT_TRUE(defaults.synchronize());
     EXPECT_EQ(box.entries(), Value::map({{"k", "v"}}));
     EXPECT_THAT(box.temporaries(), IsEmpty());
+    EXPECT_THAT(box.recorder.consoleLines(), IsEmpty());
   }
   EXPECT_EQ(met, 57U);
+  reached("T3", std::to_string(met) + " faults of calls for the settings");
 }
 
 // Removing the temporary fails as well: the next write sweeps it away.
