@@ -42,24 +42,41 @@ class CrashSyscalls final : public linux_platform::Syscalls {
 
   // A file that has been there, whole and durable, for long.
   void assume(const std::filesystem::path& path, const std::string& bytes) {
-    for (auto folder = path.parent_path(); folder != root_; folder = folder.parent_path()) addDurable(folder, "");
+    for (auto folder = path.parent_path(); folder != root_; folder = folder.parent_path()) {
+      folders_.insert(folder);
+      addDurable(folder, "");
+    }
     addDurable(path, bytes);
   }
 
   // Everything that a crash now can leave under the path.
   [[nodiscard]] std::set<Contents> possible(const std::filesystem::path& path) const {
-    std::set<Contents> states;
-    for (const int file : possibleFiles(path)) {
-      if (file == kNone) {
-        states.insert(std::nullopt);
-      } else {
-        addContents(files_[static_cast<std::size_t>(file)], states);
-      }
-    }
+    std::set<Contents> states = possibleInItsFolder(path);
     for (auto folder = path.parent_path(); folder != root_; folder = folder.parent_path()) {
       if (possibleFiles(folder).contains(kNone)) states.insert(std::nullopt);
     }
     return states;
+  }
+
+  // All files and folders below the root, each under its path with its contents, which a folder has none of.
+  using Tree = std::map<std::filesystem::path, Contents>;
+
+  // Everything that a crash now can leave, all changes of names being kept or lost independently.
+  [[nodiscard]] std::set<Tree> possibleTrees() const {
+    std::set<Tree> trees{{}};
+    for (const auto& [path, file] : names_) {  // a folder comes before what is in it
+      std::set<Tree> longer;
+      for (const Tree& tree : trees) {
+        const bool hasFolder = path.parent_path() == root_ || tree.contains(path.parent_path());
+        for (const Contents& contents : possibleInItsFolder(path)) {
+          Tree next = tree;
+          if (hasFolder && contents) next[path] = folders_.contains(path) ? std::nullopt : contents;
+          longer.insert(std::move(next));
+        }
+      }
+      trees = std::move(longer);
+    }
+    return trees;
   }
 
   int open(const char* path, int flags, mode_t mode) override {
@@ -104,6 +121,7 @@ class CrashSyscalls final : public linux_platform::Syscalls {
   }
   int mkdir(const char* path, mode_t mode) override {
     if (!step()) return -1;
+    folders_.insert(path);
     change(path, add(""));
     return Syscalls::mkdir(path, mode);
   }
@@ -157,6 +175,19 @@ class CrashSyscalls final : public linux_platform::Syscalls {
     return files;
   }
 
+  // What a crash can leave under the path if the folder that it is in stays.
+  [[nodiscard]] std::set<Contents> possibleInItsFolder(const std::filesystem::path& path) const {
+    std::set<Contents> states;
+    for (const int file : possibleFiles(path)) {
+      if (file == kNone) {
+        states.insert(std::nullopt);
+      } else {
+        addContents(files_[static_cast<std::size_t>(file)], states);
+      }
+    }
+    return states;
+  }
+
   static void addContents(const File& file, std::set<Contents>& states) {
     states.insert(file.durable);
     const std::size_t size = file.current.size();
@@ -175,6 +206,7 @@ class CrashSyscalls final : public linux_platform::Syscalls {
   std::size_t calls_ = 0;
   std::size_t deathAt_ = SIZE_MAX;
   std::vector<File> files_;
+  std::set<std::filesystem::path> folders_;
   std::map<std::filesystem::path, int> names_;              // as the running system sees them
   std::map<std::filesystem::path, int> durableNames_;       // as the last fsync of their folder left them
   std::map<std::filesystem::path, std::set<int>> changes_;  // since then

@@ -2,10 +2,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <iostream>
+#include <tuple>
 
 #include "tests/platform/linux/CrashSyscalls.h"
 #include "tests/platform/linux/SettingsFixture.h"
+#include "tests/support/Scale.h"
 
 namespace tavlo::test {
 namespace {
@@ -16,7 +17,8 @@ using linux_platform::SettingsStore;
 constexpr int kSets = 3;
 
 // Sets "k" to 1, 2, 3 on the modelled disk and judges every state that a crash can leave: it must be a file
-// that reads as a number between the last acknowledged and the last started one.
+// that reads as a number between the last acknowledged and the last started one. Where the whole disk is judged, a
+// new process finds that number on it, and sets another one and leaves no temporary.
 class PowerLoss {
  public:
   explicit PowerLoss(bool fileBefore, Broken broken = Broken::nothing) : syscalls_(folder_.path(), broken) {
@@ -47,8 +49,11 @@ class PowerLoss {
     return died;
   }
 
+  void judgeWholeDisks() { judgesDisks_ = true; }
+
   [[nodiscard]] int acknowledged() const { return acknowledged_; }
   [[nodiscard]] std::size_t states() const { return states_.size(); }
+  [[nodiscard]] std::size_t disks() const { return disks_.size(); }
   [[nodiscard]] const std::vector<std::string>& violations() const { return violations_; }
 
  private:
@@ -60,6 +65,29 @@ class PowerLoss {
         violations_.push_back(std::to_string(found) + " after " + std::to_string(acknowledged_));
       }
     }
+    if (!judgesDisks_) return;
+    for (const auto& disk : syscalls_.possibleTrees()) {
+      disks_.insert(disk);
+      if (judged_.emplace(acknowledged_, started_, disk).second) judgeDisk(disk);
+    }
+  }
+
+  void judgeDisk(const CrashSyscalls::Tree& disk) {
+    const TemporaryFolder folder(TemporaryFolder::inMemory());
+    for (const auto& [path, contents] : disk) {
+      const auto copy = folder / path.lexically_relative(folder_.path());
+      contents ? writeFile(copy, *contents) : static_cast<void>(std::filesystem::create_directory(copy));
+    }
+    const auto container = *linux_platform::Container::locate(folder / "above/box", "app");
+    RecordingPlatform recorder;
+    SettingsStore defaults(container, recorder.console());
+    const auto value = defaults.objectForKey("k");
+    const int found = value ? static_cast<int>(value->ifInteger()->low) : 0;
+    const bool isForeignThere = !hasForeign_ || defaults.objectForKey("foreign") == Value("x");
+    const bool isSet = store(defaults, "k", "next");
+    const bool isTidy = std::filesystem::is_empty(container.temporary()) && recorder.consoleLines().empty();
+    if (found >= acknowledged_ && found <= started_ && isForeignThere && isSet && isTidy) return;
+    violations_.push_back("a disk with " + std::to_string(found) + " after " + std::to_string(acknowledged_));
   }
 
   // -1 for a file that is damaged or has lost what was there before.
@@ -80,6 +108,9 @@ class PowerLoss {
   int started_ = 0;
   int acknowledged_ = 0;
   std::set<CrashSyscalls::Contents> states_;
+  bool judgesDisks_ = false;
+  std::set<CrashSyscalls::Tree> disks_;
+  std::set<std::tuple<int, int, CrashSyscalls::Tree>> judged_;
   std::vector<std::string> violations_;
 };
 
@@ -90,10 +121,12 @@ INSTANTIATE_TEST_SUITE_P(Scenes, SettingsPowerLoss, testing::Bool(),
 
 TEST_P(SettingsPowerLoss, LeavesAnAcknowledgedValueOrALaterOne) {
   PowerLoss scene(GetParam());
+  scene.judgeWholeDisks();
 
   static_cast<void>(scene.setAll());
 
-  std::cout << scene.states() << " distinct states of the file\n";
+  reached("T5", std::to_string(scene.disks()) + " distinct states of the disk, " + std::to_string(scene.states()) +
+                    " of the file, " + std::to_string(scene.violations().size()) + " violations");
   EXPECT_EQ(scene.acknowledged(), kSets);
   EXPECT_THAT(scene.violations(), testing::IsEmpty());
   EXPECT_EQ(scene.states(), kSets + 1U);
@@ -114,7 +147,7 @@ TEST_P(SettingsPowerLoss, AfterTwoProcessesDiedAtAnyCallLeavesWhatTheThirdAcknow
     }
     longest = std::max(longest, second);
   }
-  std::cout << points << " pairs of deaths\n";
+  reached("T5", std::to_string(points) + " pairs of deaths before the third set");
   EXPECT_GE(points, GetParam() ? 100U : 150U);
 }
 
@@ -125,6 +158,7 @@ TEST_P(SettingsPowerLoss, WouldLoseAValueWithoutTheFsyncOfTheFile) {
   static_cast<void>(scene.setAll());
 
   EXPECT_THAT(scene.violations(), testing::Contains("-1 after 1"));
+  reached("T5", std::to_string(scene.violations().size()) + " violations without the fsync of the file");
 }
 
 TEST_P(SettingsPowerLoss, WouldLoseAValueWithoutTheFsyncOfTheFolder) {
@@ -133,6 +167,7 @@ TEST_P(SettingsPowerLoss, WouldLoseAValueWithoutTheFsyncOfTheFolder) {
   static_cast<void>(scene.setAll());
 
   EXPECT_THAT(scene.violations(), testing::Contains("0 after 1"));
+  reached("T5", std::to_string(scene.violations().size()) + " violations without the fsync of the folder");
 }
 
 TEST_P(SettingsPowerLoss, WouldLoseAValueWithTheFsyncAfterTheRename) {
@@ -141,6 +176,7 @@ TEST_P(SettingsPowerLoss, WouldLoseAValueWithTheFsyncAfterTheRename) {
   static_cast<void>(scene.setAll());
 
   EXPECT_THAT(scene.violations(), testing::Contains("-1 after 0"));
+  reached("T5", std::to_string(scene.violations().size()) + " violations with the fsync after the rename");
 }
 
 }  // namespace
