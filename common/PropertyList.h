@@ -2,7 +2,8 @@
 //
 // Values   decodes to and encodes from a Value. Every kind that files hold comes back as it was: integers up
 //          to 128 bits, 32-bit floats, dates to the bit, UIDs, null, sets. Text that came from UTF-16 with a
-//          lone surrogate holds it as three bytes and is written back so. Shared contents stay shared.
+//          lone surrogate holds it as three bytes and is written back so. Shared contents stay shared. Only a
+//          signalling value that is no number comes back quiet where processors load it so (32-bit x86).
 // Absent   no value and an error text from bytes that are no such list; no bytes from a value that none holds.
 // Bounds   time and memory are linear in the input, whatever the input says. Contents nested deeper than
 //          kDeepest are refused, both ways.

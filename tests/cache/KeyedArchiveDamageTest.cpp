@@ -5,6 +5,7 @@
 
 #include "cache/KeyedArchive.h"
 #include "tests/cache/ArchiveBytes.h"
+#include "tests/support/Scale.h"
 
 namespace tavlo::keyed_archive {
 namespace {
@@ -52,6 +53,7 @@ TEST_P(KeyedArchiveDamage, EveryFlippedBitIsReadOrRefusedAndOneInEightIsWrittenB
     }
     byte = file_[bit / 8];
   }
+  test::reached("T9b", std::to_string(file_.size()) + " bytes of archives cut at each, each of their bits flipped");
 }
 
 INSTANTIATE_TEST_SUITE_P(Of, KeyedArchiveDamage,

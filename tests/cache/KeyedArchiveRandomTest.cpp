@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <bit>
-#include <iostream>
 #include <random>
 #include <set>
 #include <string>
@@ -12,21 +11,24 @@
 #include "common/Utf8.h"
 #include "tests/cache/ArchiveContents.h"
 #include "tests/support/Python.h"
+#include "tests/support/Scale.h"
+#include "tests/support/Seed.h"
 
 namespace tavlo::keyed_archive {
 namespace {
 
 using test::archiveContents;
 
-constexpr std::uint64_t kSeed = 20010101;
-constexpr int kGraphs = 2500;
+// What goes through Python goes in portions, so that the texts of one fit in memory.
+constexpr int kPortion = 2000;
+int portions() { return test::figure(1, 10); }
 
 // Python's reader and writer know no lone surrogates.
 enum class For { ourselves, python };
 
 class RandomValues {
  public:
-  explicit RandomValues(For whom) : whom_(whom) { std::cout << "seed " << kSeed << "\n"; }
+  explicit RandomValues(For whom) : whom_(whom) {}
 
   Value next() {
     made_.clear();
@@ -35,12 +37,13 @@ class RandomValues {
 
  private:
   std::uint64_t below(std::uint64_t limit) { return generator_() % limit; }
+  std::size_t sizeBelow(std::size_t limit) { return static_cast<std::size_t>(below(limit)); }
   bool oneIn(std::uint64_t count) { return below(count) == 0; }
 
   Value graph(int depth) {
-    if (!made_.empty() && oneIn(5)) return made_[below(made_.size())];
+    if (!made_.empty() && oneIn(5)) return made_[sizeBelow(made_.size())];
     if (depth == 0 || oneIn(3)) return scalar(depth == 4);
-    const Value container = containerOf(below(4), oneIn(10) ? 14 + below(4) : below(5), depth - 1);
+    const Value container = containerOf(below(4), oneIn(10) ? 14 + sizeBelow(4) : sizeBelow(5), depth - 1);
     made_.push_back(container);
     return container;
   }
@@ -94,7 +97,7 @@ class RandomValues {
     constexpr char32_t kLimits[] = {0x80, 0x80, 0x100, 0x10000, 0x110000};
     const char32_t limit = kLimits[below(5)];
     std::string out;
-    for (std::size_t length = below(18); length-- > 0;) {
+    for (std::size_t length = sizeBelow(18); length-- > 0;) {
       const auto codePoint = static_cast<char32_t>(below(limit));
       const bool surrogate = codePoint >= 0xD800 && codePoint <= 0xDFFF;
       if (!surrogate) appendUtf8(out, codePoint);
@@ -104,7 +107,7 @@ class RandomValues {
   }
 
   For whom_;
-  std::mt19937_64 generator_{kSeed};
+  std::mt19937_64 generator_{test::seed()};
   std::vector<Value> made_;
 };
 
@@ -136,7 +139,7 @@ TEST(KeyedArchiveRandom, EveryValueComesBackWithItsSharing) {
   RandomValues values(For::ourselves);
   std::size_t shared = 0;
 
-  for (int i = 0; i < kGraphs; ++i) {
+  for (int i = 0; i < portions() * kPortion; ++i) {
     const Value value = values.next();
     const std::string bytes = encode(value);
     const Value back = decode(bytes).value();
@@ -155,11 +158,10 @@ TEST(KeyedArchiveRandom, EveryValueComesBackWithItsSharing) {
   EXPECT_GT(shared, 1000U);
 }
 
-TEST(KeyedArchiveRandom, PythonReadsWhatWeWrite) {
-  RandomValues values(For::python);
+void expectPythonToRead(RandomValues& values) {
   std::string input;
   std::vector<std::string> expected;
-  for (int i = 0; i < kGraphs; ++i) {
+  for (int i = 0; i < kPortion; ++i) {
     const Value value = values.next();
     input += test::toHex(encode(value)) + "\n";
     expected.push_back(archiveContents(value));
@@ -171,19 +173,32 @@ TEST(KeyedArchiveRandom, PythonReadsWhatWeWrite) {
   for (std::size_t i = 0; i < read.size(); ++i) ASSERT_EQ(read[i], expected[i]) << i;
 }
 
-TEST(KeyedArchiveRandom, WeReadWhatPythonWrites) {
-  const std::string seed = std::to_string(kSeed);
-  std::cout << "seed " << seed << "\n";
+TEST(KeyedArchiveRandom, PythonReadsWhatWeWrite) {
+  RandomValues values(For::python);
 
-  const auto lines = test::splitLines(test::runOracle("keyed_archive.py", {"write", seed, std::to_string(kGraphs)}));
+  for (int i = 0; i < portions(); ++i) ASSERT_NO_FATAL_FAILURE(expectPythonToRead(values)) << "portion " << i;
 
-  ASSERT_EQ(lines.size(), static_cast<std::size_t>(kGraphs));
+  test::reached("T9d", std::to_string(portions() * kPortion) + " archives of ours read by Python");
+}
+
+void expectToReadPython(const std::string& seed) {
+  const auto lines = test::splitLines(test::runOracle("keyed_archive.py", {"write", seed, std::to_string(kPortion)}));
+
+  ASSERT_EQ(lines.size(), static_cast<std::size_t>(kPortion));
   for (const std::string& line : lines) {
     const std::size_t blank = line.find(' ');
     const auto value = decode(test::fromHex(line.substr(0, blank)));
     ASSERT_EQ(archiveContents(value), line.substr(blank + 1)) << line;
     ASSERT_EQ(decode(encode(value)), value) << line;
   }
+}
+
+TEST(KeyedArchiveRandom, WeReadWhatPythonWrites) {
+  for (int i = 0; i < portions(); ++i) {
+    const std::string seed = std::to_string(test::seed()) + "." + std::to_string(i);
+    ASSERT_NO_FATAL_FAILURE(expectToReadPython(seed)) << "portion " << i;
+  }
+  test::reached("T9d", std::to_string(portions() * kPortion) + " archives of Python read");
 }
 
 }  // namespace

@@ -4,13 +4,13 @@
 
 #include <algorithm>
 #include <bit>
-#include <iostream>
 #include <limits>
 #include <random>
 #include <string>
 #include <vector>
 
 #include "cache/SortByStartDate.h"
+#include "tests/support/Seed.h"
 
 namespace tavlo {
 namespace {
@@ -141,7 +141,7 @@ class RandomLists {
   }
 
  private:
-  std::uint64_t below(std::uint64_t limit) { return generator_() % limit; }
+  std::size_t below(std::size_t limit) { return static_cast<std::size_t>(generator_() % limit); }
 
   Value someDate() {
     constexpr double kSeconds[] = {-kInfinity, -1, -kSmallest, -0.0, 0.0, kSmallest, 1, 2, kInfinity};
@@ -165,11 +165,10 @@ class RandomLists {
     }
   }
 
-  std::mt19937_64 generator_{20010102};
+  std::mt19937_64 generator_{test::seed()};
 };
 
 TEST(SortByStartDateKeys, OrderIsThatOfValues) {
-  std::cout << "seed 20010102\n";
   RandomLists lists;
   for (int round = 0; round < 1000; ++round) {
     const ValueList given = records(lists.next());

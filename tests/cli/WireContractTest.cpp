@@ -3,6 +3,8 @@
 #include "cli/Requests.h"
 #include "cli/SessionFile.h"
 #include "tests/support/Python.h"
+#include "tests/support/Scale.h"
+#include "tests/support/Seed.h"
 
 namespace tavlo::cli {
 namespace {
@@ -27,28 +29,32 @@ std::vector<std::string> fieldsOf(const std::string& line) {
   return fields;
 }
 
+// Of one session, whose texts the second implementation gives too.
+void expectTexts(const std::string& line) {
+  const auto fields = fieldsOf(line);
+  ASSERT_EQ(fields.size(), 6U);
+  const auto outside = std::make_shared<CollectingPlatform>();
+  install(parseSession(fields[0], "session"), outside);
+  ASSERT_EQ(requestText(kAdRequestContract), fields[1]) << fields[0];
+  ASSERT_EQ(requestText(kInAppContract), fields[2]) << fields[0];
+  ASSERT_EQ(requestText(kUserContract), fields[3]) << fields[0];
+  ASSERT_EQ(requestText(kTrackerContract), fields[4]) << fields[0];
+  ASSERT_EQ(outside->text, fields[5]) << fields[0];
+}
+
+// In portions, so that the texts of one fit in memory.
 TEST(WireContractTest, RandomSessionsGiveTheTextsOfASecondImplementation) {
-  constexpr std::size_t kCount = 400;
-  const std::string seed = "20261121";
-  RecordProperty("seed", seed);
-  SCOPED_TRACE("seed " + seed);
+  constexpr int kPortion = 400;
+  const int portions = tavlo::test::figure(1, 250);
 
-  const auto lines =
-      tavlo::test::splitLines(tavlo::test::runOracle("wire_contract.py", {seed, std::to_string(kCount)}));
-
-  ASSERT_EQ(lines.size(), kCount);
-  for (const std::string& line : lines) {
-    const auto fields = fieldsOf(line);
-    ASSERT_EQ(fields.size(), 6U);
-    const auto outside = std::make_shared<CollectingPlatform>();
-    install(parseSession(fields[0], "session"), outside);
-    EXPECT_EQ(requestText(kAdRequestContract), fields[1]) << fields[0];
-    EXPECT_EQ(requestText(kInAppContract), fields[2]) << fields[0];
-    EXPECT_EQ(requestText(kUserContract), fields[3]) << fields[0];
-    EXPECT_EQ(requestText(kTrackerContract), fields[4]) << fields[0];
-    EXPECT_EQ(outside->text, fields[5]) << fields[0];
-    if (HasFailure()) break;
+  for (int portion = 0; portion < portions; ++portion) {
+    const std::string seed = std::to_string(tavlo::test::seed()) + "." + std::to_string(portion);
+    const auto lines =
+        tavlo::test::splitLines(tavlo::test::runOracle("wire_contract.py", {seed, std::to_string(kPortion)}));
+    ASSERT_EQ(lines.size(), static_cast<std::size_t>(kPortion));
+    for (const std::string& line : lines) ASSERT_NO_FATAL_FAILURE(expectTexts(line));
   }
+  tavlo::test::reached("T14 wire contracts", std::to_string(portions * kPortion) + " packages, five texts each");
 }
 
 TEST(WireContractTest, ExplainedPairsAddUpToTheRequest) {

@@ -9,6 +9,8 @@
 #include "common/Format.h"
 #include "tests/support/CaseName.h"
 #include "tests/support/Python.h"
+#include "tests/support/Scale.h"
+#include "tests/support/Seed.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace tavlo {
@@ -52,17 +54,23 @@ TEST(FormatTest, ADoubleHasSixDecimalsAndPrintsAsInC) {
   EXPECT_EQ(written(appendFixed, std::nan("")), "<nan>");
 }
 
-TEST(FormatTest, FixedNotationAgreesWithASecondImplementationOn20000Doubles) {
-  const std::string seed = "754";
-  SCOPED_TRACE("seed " + seed);
+// Special ones first: both zeros, the smallest and largest, what is no number, infinities.
+void expectAgreementOnDoubles(const std::string& where) {
+  const std::string count = std::to_string(test::figure(10'000, 100'000));
 
-  for (const std::string& line : test::splitLines(test::runOracle("fixed.py", {"20000", seed}))) {
-    const double number = std::bit_cast<double>(std::stoull(line.substr(0, 16), nullptr, 16));
+  const auto lines = test::splitLines(test::runOracle("fixed.py", {count, std::to_string(test::seed())}));
+
+  ASSERT_GE(lines.size(), std::stoull(count));
+  for (const std::string& line : lines) {
+    const double number = std::bit_cast<double>(std::uint64_t{std::stoull(line.substr(0, 16), nullptr, 16)});
     std::string ours;
     appendFixed(ours, std::isnan(number) ? std::fabs(number) : number);
     ASSERT_EQ(ours, line.substr(17)) << line;
   }
+  test::reached("T14 %f", count + " doubles" + where);
 }
+
+TEST(FormatTest, FixedNotationAgreesWithASecondImplementation) { expectAgreementOnDoubles(""); }
 
 // Sets the process's locale to one that lies in a folder, and back at the end.
 class LocaleFrom {
@@ -87,7 +95,8 @@ class LocaleFrom {
 TEST(FormatTest, NumbersAreTheSameUnderALocaleWithADecimalComma) {
   const test::TemporaryFolder folder;
   const std::string command = "localedef -i de_DE -f UTF-8 '" + (folder / "de_DE.UTF-8").string() + "' >/dev/null 2>&1";
-  if (std::system(command.c_str()) != 0) GTEST_SKIP() << "localedef cannot make a locale with a decimal comma here";
+  if (std::system(command.c_str()) != 0)
+    GTEST_SKIP() << "localedef (package locales) cannot make a locale with a decimal comma here";
   const LocaleFrom german(folder.path(), "de_DE.UTF-8");
   ASSERT_TRUE(german.isSet());
   ASSERT_STREQ(std::localeconv()->decimal_point, ",");
@@ -95,6 +104,7 @@ TEST(FormatTest, NumbersAreTheSameUnderALocaleWithADecimalComma) {
   EXPECT_EQ(written(appendFixed, -1234.5), "<-1234.500000>");
   EXPECT_EQ(textForm(1234.5), "1234.5");
   EXPECT_EQ(textForm(-1234567), "-1234567");
+  expectAgreementOnDoubles(" under a locale with a decimal comma");
 }
 
 struct Case {

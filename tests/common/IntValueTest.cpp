@@ -2,9 +2,13 @@
 
 #include <cmath>
 #include <limits>
+#include <string>
 
 #include "common/IntValue.h"
 #include "tests/support/CaseName.h"
+#include "tests/support/Python.h"
+#include "tests/support/Scale.h"
+#include "tests/support/Seed.h"
 
 namespace tavlo {
 namespace {
@@ -74,6 +78,19 @@ INSTANTIATE_TEST_SUITE_P(Others, IntValue,
                                          Case{"Data", Value::data("5"), 0}, Case{"List", Value::list({5}), 0},
                                          Case{"ADate", Date{.seconds = 5}, 0}, Case{"AUid", Uid{.index = 5}, 0}),
                          test::kCaseName);
+
+TEST(IntValueOfTexts, AgreesWithASecondImplementation) {
+  const std::string count = "10000";
+
+  const auto lines = test::splitLines(test::runOracle("int_value.py", {count, std::to_string(test::seed())}));
+
+  ASSERT_EQ(std::to_string(lines.size()), count);
+  for (const std::string& line : lines) {
+    const std::size_t tab = line.find('\t');
+    ASSERT_EQ(intValue(Value(test::fromHex(line.substr(0, tab)))), std::stoi(line.substr(tab + 1))) << line;
+  }
+  test::reached("T14 intValue", count + " texts");
+}
 
 }  // namespace
 }  // namespace tavlo

@@ -7,6 +7,7 @@
 #include "common/PropertyList.h"
 #include "tests/common/RawPropertyList.h"
 #include "tests/support/Python.h"
+#include "tests/support/Scale.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace tavlo::property_list {
@@ -117,6 +118,8 @@ TEST_P(PropertyListDamage, EveryFlippedBitEndsInAValueOrAnError) {
     }
     byte = file_[bit / 8];
   }
+  test::reached("T9b",
+                std::to_string(file_.size()) + " bytes of property lists cut at each, each of their bits flipped");
 }
 
 INSTANTIATE_TEST_SUITE_P(Of, PropertyListDamage,

@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <bit>
-#include <iostream>
 #include <random>
 #include <set>
 #include <string>
@@ -11,12 +10,15 @@
 #include "common/PropertyList.h"
 #include "common/Utf8.h"
 #include "tests/support/Python.h"
+#include "tests/support/Scale.h"
+#include "tests/support/Seed.h"
 
 namespace tavlo::property_list {
 namespace {
 
-constexpr std::uint64_t kSeed = 20010101;
-constexpr int kGraphs = 3000;
+// What goes through Python goes in portions, so that the texts of one fit in memory.
+constexpr int kPortion = 2000;
+int portions() { return test::figure(1, 10); }
 
 // What Python's reader and writer cannot hold is left out for it: sets, other keys than texts and data, lone
 // surrogates, dates beyond its calendar.
@@ -24,7 +26,7 @@ enum class For { ourselves, python };
 
 class RandomValues {
  public:
-  explicit RandomValues(For whom) : whom_(whom) { std::cout << "seed " << kSeed << "\n"; }
+  explicit RandomValues(For whom) : whom_(whom) {}
 
   Value next() {
     containers_.clear();
@@ -33,13 +35,14 @@ class RandomValues {
 
  private:
   std::uint64_t below(std::uint64_t limit) { return generator_() % limit; }
+  std::size_t sizeBelow(std::size_t limit) { return static_cast<std::size_t>(below(limit)); }
   bool oneIn(std::uint64_t count) { return below(count) == 0; }
   std::uint64_t bits() { return generator_() >> below(64); }
 
   Value graph(int depth) {
-    if (!containers_.empty() && oneIn(5)) return containers_[below(containers_.size())];
+    if (!containers_.empty() && oneIn(5)) return containers_[sizeBelow(containers_.size())];
     if (depth == 0 || oneIn(3)) return scalar();
-    const std::size_t size = oneIn(10) ? 14 + below(4) : below(5);
+    const std::size_t size = oneIn(10) ? 14 + sizeBelow(4) : sizeBelow(5);
     const Value container = depth == 4 ? list(size, 3) : containerOf(below(3), size, depth - 1);
     containers_.push_back(container);
     return container;
@@ -92,7 +95,7 @@ class RandomValues {
 
   std::string bytes() {
     std::string out;
-    for (std::size_t length = below(18); length-- > 0;) out.push_back(static_cast<char>(generator_()));
+    for (std::size_t length = sizeBelow(18); length-- > 0;) out.push_back(static_cast<char>(generator_()));
     return out;
   }
 
@@ -101,7 +104,7 @@ class RandomValues {
     const char32_t limit = kLimits[below(5)];
     std::string out;
     bool afterHigh = false;
-    for (std::size_t length = below(18); length-- > 0;) {
+    for (std::size_t length = sizeBelow(18); length-- > 0;) {
       const auto codePoint = static_cast<char32_t>(oneIn(4) ? 0xD800 + below(0x800) : below(limit));
       const bool surrogate = codePoint >= 0xD800 && codePoint <= 0xDFFF;
       if (surrogate && (whom_ == For::python || limit < 0x10000 || (afterHigh && codePoint >= 0xDC00))) continue;
@@ -112,7 +115,7 @@ class RandomValues {
   }
 
   For whom_;
-  std::mt19937_64 generator_{kSeed};
+  std::mt19937_64 generator_{test::seed()};
   std::vector<Value> containers_;
 };
 
@@ -173,7 +176,7 @@ TEST(PropertyListRandom, EveryValueComesBackWithItsSharing) {
   RandomValues values(For::ourselves);
   std::size_t shared = 0;
 
-  for (int i = 0; i < kGraphs; ++i) {
+  for (int i = 0; i < portions() * kPortion; ++i) {
     const Value value = values.next();
     const auto bytes = encode(value);
     ASSERT_TRUE(bytes) << i;
@@ -194,11 +197,10 @@ TEST(PropertyListRandom, EveryValueComesBackWithItsSharing) {
   EXPECT_GT(shared, 1000U);
 }
 
-TEST(PropertyListRandom, PythonReadsWhatWeWrite) {
-  RandomValues values(For::python);
+void expectPythonToRead(RandomValues& values) {
   std::string input;
   std::vector<std::string> expected;
-  for (int i = 0; i < kGraphs; ++i) {
+  for (int i = 0; i < kPortion; ++i) {
     const Value value = values.next();
     const auto bytes = encode(value);
     ASSERT_TRUE(bytes) << i;
@@ -212,19 +214,32 @@ TEST(PropertyListRandom, PythonReadsWhatWeWrite) {
   for (std::size_t i = 0; i < read.size(); ++i) ASSERT_EQ(read[i], expected[i]) << i;
 }
 
-TEST(PropertyListRandom, WeReadWhatPythonWrites) {
-  const std::string seed = std::to_string(kSeed);
-  std::cout << "seed " << seed << "\n";
+TEST(PropertyListRandom, PythonReadsWhatWeWrite) {
+  RandomValues values(For::python);
 
-  const auto lines = test::splitLines(test::runOracle("property_list.py", {"write", seed, std::to_string(kGraphs)}));
+  for (int i = 0; i < portions(); ++i) ASSERT_NO_FATAL_FAILURE(expectPythonToRead(values)) << "portion " << i;
 
-  ASSERT_EQ(lines.size(), static_cast<std::size_t>(kGraphs));
+  test::reached("T9d", std::to_string(portions() * kPortion) + " property lists of ours read by Python");
+}
+
+void expectToReadPython(const std::string& seed) {
+  const auto lines = test::splitLines(test::runOracle("property_list.py", {"write", seed, std::to_string(kPortion)}));
+
+  ASSERT_EQ(lines.size(), static_cast<std::size_t>(kPortion));
   for (const std::string& line : lines) {
     const std::size_t blank = line.find(' ');
     const Decoded read = decode(test::fromHex(line.substr(0, blank)));
     ASSERT_TRUE(read.value) << read.error << " in " << line;
     ASSERT_EQ(contents(*read.value), line.substr(blank + 1)) << line;
   }
+}
+
+TEST(PropertyListRandom, WeReadWhatPythonWrites) {
+  for (int i = 0; i < portions(); ++i) {
+    const std::string seed = std::to_string(test::seed()) + "." + std::to_string(i);
+    ASSERT_NO_FATAL_FAILURE(expectToReadPython(seed)) << "portion " << i;
+  }
+  test::reached("T9d", std::to_string(portions() * kPortion) + " property lists of Python read");
 }
 
 }  // namespace

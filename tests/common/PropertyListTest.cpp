@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <bit>
+#include <cfloat>
 #include <limits>
 #include <string>
 #include <vector>
@@ -72,12 +73,10 @@ std::vector<Scalar> scalars() {
       {"narrow infinity", narrow(0x7F800000U), "227f800000"},
       {"narrow largest", narrow(0x7F7FFFFFU), "227f7fffff"},
       {"narrow smallest", narrow(0x00000001U), "2200000001"},
-      {"narrow signalling no number", Real{.value = std::bit_cast<double>(0x7FF0000020000000U), .narrow = true},
-       "227f800001"},
       {"narrow no number with a sign", Real{.value = std::bit_cast<double>(0xFFF8000000000000U), .narrow = true},
        "22ffc00000"},
       {"date", Date{.seconds = 721692800.123}, "3341c58214400fbe77"},
-      {"date that is no number", Date{.seconds = std::bit_cast<double>(0x7FF0000000000001U)}, "337ff0000000000001"},
+      {"date that is no number", Date{.seconds = std::bit_cast<double>(0x7FF8000000000001U)}, "337ff8000000000001"},
       {"no data", Value::data(""), "40"},
       {"14 bytes of data", Value::data(std::string(14, 'd')), "4e6464646464646464646464646464"},
       {"15 bytes of data", Value::data(std::string(15, 'd')), "4f100f646464646464646464646464646464"},
@@ -106,6 +105,14 @@ TEST(PropertyList, ObjectIsWrittenInTheFewestBytesAndReadBack) {
 
     EXPECT_EQ(toHex(encoded(value)), toHex(file)) << name;
     EXPECT_EQ(decoded(file), value) << name;
+  }
+}
+
+TEST(PropertyList, SignallingNumberStaysOne) {
+  if (FLT_EVAL_METHOD == 2) GTEST_SKIP() << "the registers of this processor make it quiet when they load it";
+  for (const char* hex : {"227f800001", "337ff0000000000001"}) {
+    const std::string file = rawList({fromHex(hex)}).bytes();
+    EXPECT_EQ(toHex(encoded(decoded(file))), toHex(file));
   }
 }
 

@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <iostream>
 #include <random>
 #include <string>
 #include <string_view>
@@ -10,6 +9,7 @@
 
 #include "common/Value.h"
 #include "common/ValueNumbers.h"
+#include "tests/support/Seed.h"
 
 namespace tavlo {
 namespace {
@@ -132,9 +132,7 @@ TEST(ValueMapKeys, EntriesThatWereGivenStayAsTheyWere) {
 }
 
 TEST(ValueMapKeys, RandomEntriesMakeTheMapThatSettingThemMakes) {
-  constexpr std::uint64_t kSeed = 20010103;
-  std::cout << "seed " << kSeed << "\n";
-  std::mt19937_64 generator(kSeed);
+  std::mt19937_64 generator(test::seed());
   const auto below = [&](std::uint64_t limit) { return generator() % limit; };
   ValueNumbers numbers;
   for (int round = 0; round < 1000; ++round) {

@@ -289,7 +289,7 @@ def main(mode, *arguments):
         for line in sys.stdin:
             print(contents(read(plistlib.loads(bytes.fromhex(line), fmt=plistlib.FMT_BINARY))))
     elif mode == "write":
-        rng = random.Random(int(arguments[0]))
+        rng = random.Random(arguments[0])
         for _ in range(int(arguments[1])):
             graph = random_graph(rng, 4, [])
             print(write(graph, rng).hex(), contents(graph))

@@ -90,9 +90,9 @@ def main(mode, *arguments):
         for line in sys.stdin:
             print(contents(plistlib.loads(bytes.fromhex(line), fmt=plistlib.FMT_BINARY)))
     elif mode == "write":
-        seed, count = map(int, arguments)
+        seed, count = arguments
         rng = random.Random(seed)
-        for _ in range(count):
+        for _ in range(int(count)):
             graph = random_graph(rng, 4, [])
             print(plistlib.dumps(graph, fmt=plistlib.FMT_BINARY, sort_keys=False).hex(), contents(graph))
     else:

@@ -260,4 +260,4 @@ def main(seed, count):
 
 
 if __name__ == "__main__":
-    main(int(sys.argv[1]), int(sys.argv[2]))
+    main(sys.argv[1], int(sys.argv[2]))
