@@ -11,6 +11,10 @@ target_compile_options(tavlo_options INTERFACE -Wall -Wextra -Wpedantic -Wconver
 if(PROJECT_IS_TOP_LEVEL)
   target_compile_options(tavlo_options INTERFACE -Werror)
 endif()
+# Files beyond 2 GiB and times beyond 2038, which on 64-bit processors are a matter of course.
+if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+  target_compile_definitions(tavlo_options INTERFACE _FILE_OFFSET_BITS=64 _TIME_BITS=64)
+endif()
 if(TAVLO_SANITIZE)
   target_compile_options(tavlo_options INTERFACE -fsanitize=${TAVLO_SANITIZE} -fno-omit-frame-pointer
                                                  -fno-sanitize-recover=all)

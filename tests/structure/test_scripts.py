@@ -10,8 +10,8 @@ from pathlib import Path
 
 from script_run import ROOT, Run
 
-SCRIPTS = ["scripts/bench.sh", "scripts/fuzz.sh", "scripts/setup.sh", "scripts/test.sh", "scripts/trust.sh",
-           "scripts/demo.sh", ".ci/run"]
+SCRIPTS = ["scripts/bench.sh", "scripts/coverage.sh", "scripts/fuzz.sh", "scripts/setup.sh", "scripts/test.sh",
+           "scripts/trust.sh", "scripts/demo.sh", ".ci/run"]
 
 UPDATE = "apt-get update --quiet --quiet"
 INSTALL = "apt-get install --yes --no-install-recommends "
@@ -22,7 +22,7 @@ class Setup(unittest.TestCase):
     def test_WithEverythingThereItPrintsOneLineAndAsksNobody(self):
         run = Run("scripts/setup.sh", FAKE_UID="1000")
 
-        self.assertEqual((run.status, run.out, run.err), (0, "setup: all 26 packages are there\n", ""))
+        self.assertEqual((run.status, run.out, run.err), (0, "setup: all 25 packages are there\n", ""))
         self.assertEqual(run.calls, [])
 
     def test_RootInstallsWhatIsMissingWithoutSudo(self):
@@ -57,10 +57,12 @@ class Setup(unittest.TestCase):
                 self.assertEqual((run.status, run.calls), (1, []))
                 self.assertTrue(run.err.startswith("setup: this is no Debian system; install by hand: g++ "), run.err)
 
-    def test_CiBringsTheSecondCompilerAndItsTools(self):
-        run = Run("scripts/setup.sh", "--ci", UNKNOWN="clang libclang-rt-14-dev clang-format-14 clang-tidy-14")
+    def test_CiBringsTheSecondCompilerItsToolsAndThoseForOtherProcessors(self):
+        missing = "clang libclang-rt-14-dev clang-format-14 clang-tidy-14 gcovr g++-aarch64-linux-gnu qemu-user"
 
-        self.assertEqual(run.calls, [UPDATE, INSTALL + "clang libclang-rt-14-dev clang-format-14 clang-tidy-14"])
+        run = Run("scripts/setup.sh", "--ci", UNKNOWN=missing)
+
+        self.assertEqual(run.calls, [UPDATE, INSTALL + missing])
 
     def test_TheServerOfTheBenchmarksIsNotStartedByItsInstallation(self):
         with tempfile.TemporaryDirectory() as folder:
@@ -104,7 +106,7 @@ class Demo(unittest.TestCase):
     def test_ShowsTheProgramInAContainerThatIsGoneAfterwards(self):
         run = Run("scripts/demo.sh")
 
-        self.assertEqual((run.status, run.out), (0, "setup: all 26 packages are there\ncontainer is there\n"))
+        self.assertEqual((run.status, run.out), (0, "setup: all 25 packages are there\ncontainer is there\n"))
         self.assertEqual(run.calls, ["cmake --preset release", "cmake --build --preset release --target tavlo",
                                      "tavlo demo --container DIR"])
         self.assertFalse(run.container_left)
@@ -166,8 +168,8 @@ class Ci(unittest.TestCase):
         self.assertEqual(run.status, 0)
         self.assertEqual(run.calls, ["cmake --preset tsan-clang", "cmake --build --preset tsan-clang",
                                      "ctest --preset tsan-clang --parallel 3 -R Thread",
-                                     "shellcheck scripts/bench.sh scripts/demo.sh scripts/fuzz.sh scripts/setup.sh "
-                                     "scripts/test.sh scripts/trust.sh .ci/run"])
+                                     "shellcheck scripts/bench.sh scripts/coverage.sh scripts/demo.sh scripts/fuzz.sh "
+                                     "scripts/setup.sh scripts/test.sh scripts/trust.sh .ci/run"])
         self.assertIn("==> shell passed in", run.out)
         self.assertIn("==> all passed in", run.out)
 
@@ -175,7 +177,7 @@ class Ci(unittest.TestCase):
         run = Run(".ci/run", "tools")
 
         self.assertEqual((run.status, run.calls), (0, []))
-        self.assertIn("setup: all 37 packages are there\n", run.out)
+        self.assertIn("setup: all 43 packages are there\n", run.out)
 
     def test_ReleaseRunsAllRacesBriefly(self):
         run = Run(".ci/run", "release")
@@ -183,6 +185,14 @@ class Ci(unittest.TestCase):
         self.assertEqual(run.calls[:3], [
             "cmake --preset release", "cmake --build --preset release --target tavlo tavlo_bench tavlo_footprint",
             "ctest --preset release -R ^Bench|Hardened$"])
+
+    def test_OtherProcessorsRunAllTestsOfTheirOwn(self):
+        for leg in ("m32", "arm64", "s390x"):
+            with self.subTest(leg):
+                run = Run(".ci/run", leg)
+
+                self.assertEqual(run.calls, [f"cmake --preset {leg}", f"cmake --build --preset {leg}",
+                                             f"ctest --preset {leg} --parallel 3"])
 
     def test_UnknownLegIsAUsageErrorBeforeAnythingRuns(self):
         run = Run(".ci/run", "shell", "bogus")
@@ -192,7 +202,8 @@ class Ci(unittest.TestCase):
 
 class AllScripts(unittest.TestCase):
     def test_HelpIsPrintedAndNothingIsDone(self):
-        for script in ("scripts/bench.sh", "scripts/setup.sh", "scripts/test.sh", "scripts/trust.sh", "scripts/demo.sh"):
+        for script in ("scripts/bench.sh", "scripts/coverage.sh", "scripts/setup.sh", "scripts/test.sh",
+                       "scripts/trust.sh", "scripts/demo.sh"):
             with self.subTest(script):
                 run = Run(script, "-h")
 
@@ -200,7 +211,8 @@ class AllScripts(unittest.TestCase):
                 self.assertTrue(run.out.startswith(f"Usage: {script} "), run.out)
 
     def test_UnknownArgumentIsAUsageError(self):
-        for script in ("scripts/bench.sh", "scripts/setup.sh", "scripts/trust.sh", "scripts/demo.sh"):
+        for script in ("scripts/bench.sh", "scripts/coverage.sh", "scripts/setup.sh", "scripts/trust.sh",
+                       "scripts/demo.sh"):
             with self.subTest(script):
                 run = Run(script, "--bogus")
 
