@@ -94,7 +94,9 @@ class LocaleFrom {
 
 TEST(FormatTest, NumbersAreTheSameUnderALocaleWithADecimalComma) {
   const test::TemporaryFolder folder;
-  const std::string command = "localedef -i de_DE -f UTF-8 '" + (folder / "de_DE.UTF-8").string() + "' >/dev/null 2>&1";
+  const std::string order = std::endian::native == std::endian::big ? "--big-endian" : "--little-endian";
+  const std::string command =
+      "localedef " + order + " -i de_DE -f UTF-8 '" + (folder / "de_DE.UTF-8").string() + "' >/dev/null 2>&1";
   if (std::system(command.c_str()) != 0)
     GTEST_SKIP() << "localedef (package locales) cannot make a locale with a decimal comma here";
   const LocaleFrom german(folder.path(), "de_DE.UTF-8");
