@@ -105,8 +105,8 @@ std::string_view sourceName(const Source& source) {
 
 std::string_view kindName(const Source& source) {
   // In the order of Source.
-  constexpr auto kNames =
-      std::to_array<std::string_view>({"constant", "text", "truth value", "integer", "text", "integer", "list"});
+  constexpr auto kNames = std::to_array<std::string_view>(
+      {"constant", "text", "truth value", "integer", "text", "list", "text", "integer"});
   static_assert(kNames.size() == std::variant_size_v<Source>);
   return kNames[source.index()];
 }

@@ -28,7 +28,7 @@ ExplainedPair explained(const Pair& pair, const TavloPackage* package) {
 
 bool isText(const Source& source) {
   return std::holds_alternative<PackageText>(source) || std::holds_alternative<TextOperation>(source) ||
-         std::holds_alternative<Constant>(source);
+         std::holds_alternative<UserText>(source) || std::holds_alternative<Constant>(source);
 }
 
 // Texts stand in quotation marks, so that nothing in one looks like something else.

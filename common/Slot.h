@@ -1,4 +1,5 @@
-// Slot: one process-wide reference that any thread may read and replace.
+// Slot: one process-wide reference that any thread may read and replace. SlotReader: for whoever reads one many
+// times in a row.
 //
 // Values   the slot and every reader share ownership: a reader keeps what it got alive.
 // Absent   an empty slot gives nullptr.
@@ -9,11 +10,16 @@
 // ThreadSanitizer.
 #pragma once
 
+#include <atomic>
+#include <cstdint>
 #include <memory>
 #include <mutex>
 #include <utility>
 
 namespace tavlo {
+
+template <class T>
+class SlotReader;
 
 template <class T>
 class Slot {
@@ -32,6 +38,7 @@ class Slot {
 
   [[nodiscard]] std::shared_ptr<T> exchange(std::shared_ptr<T> next) {
     const std::lock_guard lock(mutex_);
+    ++changes_;
     std::swap(object_, next);
     return next;
   }
@@ -39,13 +46,49 @@ class Slot {
   // Fills an empty slot and gives what it then holds: `candidate`, or what another thread put there.
   [[nodiscard]] std::shared_ptr<T> fill(std::shared_ptr<T> candidate) {
     const std::lock_guard lock(mutex_);
-    if (!object_) std::swap(object_, candidate);
+    if (!object_) {
+      ++changes_;
+      std::swap(object_, candidate);
+    }
     return object_;
   }
 
  private:
+  friend SlotReader<T>;
+
   mutable std::mutex mutex_;
+  std::atomic<std::uint64_t> changes_ = 1;  // written only under the lock
   std::shared_ptr<T> object_;
+};
+
+// One thread's reader of a slot. Each read gives what load() would; while nothing is stored, all but the first cost
+// one atomic load.
+//
+// Values   what was read stays alive until the next read or the reader's end.
+template <class T>
+class SlotReader {
+ public:
+  explicit SlotReader(const Slot<T>& slot) : slot_(slot) {}
+
+  [[nodiscard]] T* read() {
+    if (slot_.changes_.load() != changes_) readAgain();
+    return object_.get();
+  }
+
+ private:
+  void readAgain() {
+    std::shared_ptr<T> object;
+    {
+      const std::lock_guard lock(slot_.mutex_);
+      object = slot_.object_;
+      changes_ = slot_.changes_;
+    }
+    object_.swap(object);  // the one before is destroyed when this reader is done with it
+  }
+
+  const Slot<T>& slot_;
+  std::shared_ptr<T> object_;
+  std::uint64_t changes_ = 0;  // when it was read; a slot begins with one
 };
 
 // The one slot for T of this process. It is never destroyed, so that a thread that is still running

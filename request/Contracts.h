@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string_view>
@@ -36,24 +37,45 @@ struct TextOperation {
   std::string_view name;
   Text (*call)();
 };
-struct IntegerOperation {
-  std::string_view name;
-  std::int32_t (*call)();
-};
 struct ListOperation {
   std::string_view name;
   Value (*call)();
 };
-using Source =
-    std::variant<Constant, PackageText, PackageFlag, PackageInteger, TextOperation, IntegerOperation, ListOperation>;
+// What a class operation of the unique-user handler asks the installed one. The name is the operation's.
+struct UserText {
+  std::string_view name;
+  Text (TavloUniqueUserHandler::*read)() const;
+};
+struct UserInteger {
+  std::string_view name;
+  std::int32_t (TavloUniqueUserHandler::*read)() const;
+};
+using Source = std::variant<Constant, PackageText, PackageFlag, PackageInteger, TextOperation, ListOperation, UserText,
+                            UserInteger>;
 
 // How it is written: through urlEncode, unchanged, a fixed text, "1" or "0", signed decimal, a list of maps.
 enum class Rendering : std::uint8_t { encoded, asIs, constant, boolean, integer, list };
+
+// A key between "&" and "=", as most pairs of a query begin. It lies in a room of a fixed size, so that it is copied
+// without a loop.
+struct QueryKey {
+  static constexpr std::size_t kRoom = 31;
+
+  constexpr explicit QueryKey(std::string_view key) {
+    text[length++] = '&';
+    for (const char c : key) text[length++] = c;  // one that is too long is no constant expression
+    text[length++] = '=';
+  }
+
+  std::array<char, kRoom> text{};
+  std::uint8_t length = 0;
+};
 
 struct Pair {
   std::string_view key;
   Source source;
   Rendering rendering;
+  QueryKey queryKey{key};
 };
 
 // How the pairs travel: joined by "&", each led by "&", or as the entries of a map.
@@ -77,13 +99,13 @@ using enum PackageText;
 consteval Pair encoded(std::string_view key, PackageText source) { return {key, source, Rendering::encoded}; }
 consteval Pair encoded(std::string_view key, TextOperation source) { return {key, source, Rendering::encoded}; }
 consteval Pair asIs(std::string_view key, PackageText source) { return {key, source, Rendering::asIs}; }
-consteval Pair asIs(std::string_view key, TextOperation source) { return {key, source, Rendering::asIs}; }
+consteval Pair asIs(std::string_view key, UserText source) { return {key, source, Rendering::asIs}; }
 consteval Pair constant(std::string_view key, std::string_view text) {
   return {key, Constant{text}, Rendering::constant};
 }
 consteval Pair boolean(std::string_view key, PackageFlag source) { return {key, source, Rendering::boolean}; }
 consteval Pair integer(std::string_view key, PackageInteger source) { return {key, source, Rendering::integer}; }
-consteval Pair integer(std::string_view key, IntegerOperation source) { return {key, source, Rendering::integer}; }
+consteval Pair integer(std::string_view key, UserInteger source) { return {key, source, Rendering::integer}; }
 consteval Pair list(std::string_view key, ListOperation source) { return {key, source, Rendering::list}; }
 
 inline constexpr PackageFlag limitAdTrackingEnabled{"limitAdTrackingEnabled", &TavloPackage::limitAdTrackingEnabled};
@@ -95,13 +117,13 @@ inline constexpr TextOperation storedOptionalId{"getOptionalIdFromUserDefault",
                                                 &TavloUtility::getOptionalIdFromUserDefault};
 
 using Users = TavloUniqueUserHandler;
-inline constexpr IntegerOperation isUserNew{"getIsUserNew", &Users::getIsUserNew};
-inline constexpr IntegerOperation dayValue{"getUniqueUserDayValue", &Users::getUniqueUserDayValue};
-inline constexpr TextOperation day{"getUniqueUserDay", &Users::getUniqueUserDay};
-inline constexpr IntegerOperation weekValue{"getUniqueUserWeekValue", &Users::getUniqueUserWeekValue};
-inline constexpr IntegerOperation week{"getNumberOfWeek", &Users::getNumberOfWeek};
-inline constexpr IntegerOperation monthValue{"getUniqueUserMonthValue", &Users::getUniqueUserMonthValue};
-inline constexpr IntegerOperation month{"getNumberOfMonth", &Users::getNumberOfMonth};
+inline constexpr UserInteger isUserNew{"getIsUserNew", &Users::isUserNew};
+inline constexpr UserInteger dayValue{"getUniqueUserDayValue", &Users::uniqueUserDayValue};
+inline constexpr UserText day{"getUniqueUserDay", &Users::uniqueUserDay};
+inline constexpr UserInteger weekValue{"getUniqueUserWeekValue", &Users::uniqueUserWeekValue};
+inline constexpr UserInteger week{"getNumberOfWeek", &Users::numberOfWeek};
+inline constexpr UserInteger monthValue{"getUniqueUserMonthValue", &Users::uniqueUserMonthValue};
+inline constexpr UserInteger month{"getNumberOfMonth", &Users::numberOfMonth};
 
 inline constexpr ListOperation trackerRecords{"getNetworkTrackerDetails", &networkEventCounts};
 

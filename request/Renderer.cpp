@@ -1,29 +1,40 @@
 #include "request/Renderer.h"
 
 #include "common/Format.h"
+#include "common/Slot.h"
 #include "request/TextWriter.h"
 
 namespace tavlo {
 namespace {
 
+// Who is asked for values. The unique-user handler is the one that is installed when a value is read.
+struct Sources {
+  const TavloPackage* package;
+  SlotReader<TavloUniqueUserHandler> users{processSlot<TavloUniqueUserHandler>()};
+};
+
 // Writes a row's value to `out`, reading its source once.
 class ValueWriter {
  public:
   // `raw`, where wanted, gets the text that was read.
-  ValueWriter(TextWriter& out, Rendering rendering, const TavloPackage* package, Text* raw = nullptr)
-      : out_(out), rendering_(rendering), package_(package), raw_(raw) {}
+  ValueWriter(TextWriter& out, Rendering rendering, Sources& sources, Text* raw = nullptr)
+      : out_(out), rendering_(rendering), sources_(sources), raw_(raw) {}
 
   void operator()(const Constant& source) const { out_.append(source.text); }
-  void operator()(PackageText source) const {
-    appendRead(package_ ? (package_->*readOf(source).read)() : std::nullopt);
-  }
-  void operator()(const PackageFlag& source) const { out_.append(package_ && (package_->*source.read)() ? '1' : '0'); }
-  void operator()(const PackageInteger& source) const { out_.appendInteger(package_ ? (package_->*source.read)() : 0); }
+  void operator()(PackageText source) const { appendRead(read(sources_.package, readOf(source).read)); }
+  void operator()(const PackageFlag& source) const { out_.append(read(sources_.package, source.read) ? '1' : '0'); }
+  void operator()(const PackageInteger& source) const { out_.appendInteger(read(sources_.package, source.read)); }
   void operator()(const TextOperation& source) const { appendRead(source.call()); }
-  void operator()(const IntegerOperation& source) const { out_.appendInteger(source.call()); }
+  void operator()(const UserText& source) const { appendRead(read(sources_.users.read(), source.read)); }
+  void operator()(const UserInteger& source) const { out_.appendInteger(read(sources_.users.read(), source.read)); }
   void operator()(const ListOperation&) const {}  // no text: renderMap() takes a list whole
 
  private:
+  template <class Source, class Result>
+  static Result read(const Source* source, Result (Source::*operation)() const) {
+    return source ? (source->*operation)() : Result{};
+  }
+
   void appendRead(const Text& text) const {
     if (raw_) *raw_ = text;
     if (!text) {
@@ -37,23 +48,29 @@ class ValueWriter {
 
   TextWriter& out_;
   Rendering rendering_;
-  const TavloPackage* package_;
+  Sources& sources_;
   Text* raw_;
 };
 
-void writeValue(TextWriter& out, const Pair& row, const TavloPackage* package) {
-  std::visit(ValueWriter(out, row.rendering, package), row.source);
+void writeValue(TextWriter& out, const Pair& row, Sources& sources) {
+  std::visit(ValueWriter(out, row.rendering, sources), row.source);
 }
 
 }  // namespace
 
 std::string renderQuery(const Contract& contract, const TavloPackage* package) {
+  Sources sources{.package = package};
   TextWriter query;
+  bool isLed = contract.form == Form::appended;
   for (const Pair& row : contract.pairs) {
-    if (contract.form == Form::appended || !query.empty()) query.append('&');
-    query.append(row.key);
-    query.append('=');
-    writeValue(query, row, package);
+    if (isLed) {
+      query.append(row.queryKey.text, row.queryKey.length);
+    } else {
+      query.append(row.key);
+      query.append('=');
+    }
+    isLed = true;
+    writeValue(query, row, sources);
   }
   return query.take();
 }
@@ -68,6 +85,7 @@ ValueList keysOf(const Contract& contract) {
 ValueMap renderMap(const Contract& contract, const ValueList& keys, const TavloPackage* package) {
   ValueMap map;
   map.reserve(contract.pairs.size());
+  Sources sources{.package = package};
   TextWriter text;
   for (std::size_t i = 0; i < contract.pairs.size(); ++i) {
     const Pair& row = contract.pairs[i];
@@ -75,7 +93,7 @@ ValueMap renderMap(const Contract& contract, const ValueList& keys, const TavloP
       map.append(keys[i], source->call());
       continue;
     }
-    writeValue(text, row, package);
+    writeValue(text, row, sources);
     map.append(keys[i], text.take());
   }
   return map;
@@ -83,10 +101,12 @@ ValueMap renderMap(const Contract& contract, const ValueList& keys, const TavloP
 
 RenderedPair explain(const Pair& pair, const TavloPackage* package) {
   RenderedPair rendered;
+  Sources sources{.package = package};
   TextWriter sent;
-  const bool isText =
-      std::holds_alternative<PackageText>(pair.source) || std::holds_alternative<TextOperation>(pair.source);
-  std::visit(ValueWriter(sent, pair.rendering, package, &rendered.raw), pair.source);
+  const bool isText = std::holds_alternative<PackageText>(pair.source) ||
+                      std::holds_alternative<TextOperation>(pair.source) ||
+                      std::holds_alternative<UserText>(pair.source);
+  std::visit(ValueWriter(sent, pair.rendering, sources, &rendered.raw), pair.source);
   rendered.sent = sent.take();
   if (!isText) rendered.raw = rendered.sent;
   return rendered;

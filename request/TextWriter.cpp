@@ -19,7 +19,7 @@ void TextWriter::appendUrlEncoded(std::string_view value) {
   }
 }
 
-void TextWriter::appendInteger(std::int32_t value) {
+void TextWriter::appendLongInteger(std::int32_t value) {
   constexpr std::size_t kLongest = std::numeric_limits<std::int32_t>::digits10 + 2;  // and a sign
   makeRoom(kLongest);
   end_ = std::to_chars(end_, end_ + kLongest, value).ptr;

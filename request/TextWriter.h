@@ -29,8 +29,18 @@ class TextWriter {
     makeRoom(1);
     *end_++ = c;
   }
+  // The first `length` bytes. All are copied, which takes no loop.
+  template <std::size_t size>
+  void append(const std::array<char, size>& text, std::size_t length) {
+    makeRoom(size);
+    std::copy(text.begin(), text.end(), end_);
+    end_ += length;
+  }
   void appendUrlEncoded(std::string_view value);
-  void appendInteger(std::int32_t value);  // signed decimal
+  void appendInteger(std::int32_t value) {  // signed decimal
+    if (0 <= value && value <= 9) return append(static_cast<char>('0' + value));
+    appendLongInteger(value);
+  }
 
   [[nodiscard]] bool empty() const { return end_ == buffer_.data() && flushed_.empty(); }
 
@@ -44,6 +54,7 @@ class TextWriter {
   }
   void flush();
   void appendLong(std::string_view text);
+  void appendLongInteger(std::int32_t value);
 
   std::string flushed_;             // what had no more room
   std::array<char, kRoom> buffer_;  // what comes behind it, up to end_

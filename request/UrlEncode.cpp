@@ -119,9 +119,12 @@ void appendUrlEncoded(std::string& out, std::string_view value) {
 }
 
 char* writeUrlEncoded(char* to, std::string_view value) {
-  if (!allStay(value)) return encode(value, to);
-  std::memcpy(to, value.data(), value.size());
-  return to + value.size();
+  // What stays before the first that does not is copied a word at a time.
+  for (; value.size() >= kWord && wordStays(value.data()); value.remove_prefix(kWord)) {
+    std::memcpy(to, value.data(), kWord);
+    to += kWord;
+  }
+  return encode(value, to);
 }
 
 Text urlEncode(const Text& value) {

@@ -28,7 +28,8 @@ class GuardedRecord {
     const std::unique_lock lock(mutex_);
     for (std::size_t i = 0; i < texts_.size(); ++i) texts_[i] = (package.*kPackageTextReads[i].read)();
     day_ = TavloUniqueUserHandler::getUniqueUserDay();
-    for (std::size_t i = 0; i < kCounters.size(); ++i) counters_[i] = kCounters[i]();
+    const auto users = TavloUniqueUserHandler::installed();
+    for (std::size_t i = 0; i < kCounters.size(); ++i) counters_[i] = ((*users).*kCounters[i])();
     integers_ = {package.limitAdTrackingEnabled() ? 1 : 0, package.resolution(), package.preRoll()};
   }
   [[nodiscard]] Text text(PackageText text) const {
@@ -39,8 +40,8 @@ class GuardedRecord {
     const std::shared_lock lock(mutex_);
     return day_;
   }
-  [[nodiscard]] std::int32_t counter(const IntegerOperation& source) const {
-    const auto place = std::find(kCounters.begin(), kCounters.end(), source.call) - kCounters.begin();
+  [[nodiscard]] std::int32_t counter(const UserInteger& source) const {
+    const auto place = std::find(kCounters.begin(), kCounters.end(), source.read) - kCounters.begin();
     const std::shared_lock lock(mutex_);
     return counters_[static_cast<std::size_t>(place)];
   }
@@ -52,8 +53,8 @@ class GuardedRecord {
  private:
   using Users = TavloUniqueUserHandler;
   static constexpr auto kCounters =
-      std::to_array({&Users::getIsUserNew, &Users::getUniqueUserDayValue, &Users::getUniqueUserWeekValue,
-                     &Users::getNumberOfWeek, &Users::getUniqueUserMonthValue, &Users::getNumberOfMonth});
+      std::to_array({&Users::isUserNew, &Users::uniqueUserDayValue, &Users::uniqueUserWeekValue, &Users::numberOfWeek,
+                     &Users::uniqueUserMonthValue, &Users::numberOfMonth});
 
   [[nodiscard]] std::int32_t integer(std::size_t place) const {
     const std::shared_lock lock(mutex_);
@@ -84,10 +85,9 @@ class Walk {
   void operator()(PackageText source) const { writeText(record_.text(source)); }
   void operator()(const PackageFlag&) const { write_(row_.key, record_.flag() ? 1 : 0); }
   void operator()(const PackageInteger& source) const { write_(row_.key, record_.integer(source)); }
-  void operator()(const TextOperation& source) const {
-    writeText(source.call == &TavloUniqueUserHandler::getUniqueUserDay ? record_.day() : source.call());
-  }
-  void operator()(const IntegerOperation& source) const { write_(row_.key, record_.counter(source)); }
+  void operator()(const TextOperation& source) const { writeText(source.call()); }
+  void operator()(const UserText&) const { writeText(record_.day()); }
+  void operator()(const UserInteger& source) const { write_(row_.key, record_.counter(source)); }
   void operator()(const ListOperation&) const { write_(row_.key, nullptr); }
 
  private:

@@ -90,5 +90,81 @@ TEST_F(SlotTest, EachObjectIsDestroyedOnceHoweverManyThreadsReplaceIt) {
   EXPECT_EQ(Counted::destroyed, 64 * 500);
 }
 
+TEST_F(SlotTest, AReaderGivesWhatTheSlotHoldsAtEachRead) {
+  Slot<Counted> slot;
+  SlotReader reader(slot);
+  EXPECT_EQ(reader.read(), nullptr);
+
+  const auto first = slot.fill(std::make_shared<Counted>());
+  EXPECT_EQ(reader.read(), first.get());
+  EXPECT_EQ(reader.read(), first.get());
+
+  const auto second = std::make_shared<Counted>();
+  slot.store(second);
+  EXPECT_EQ(reader.read(), second.get());
+
+  slot.store(nullptr);
+  EXPECT_EQ(reader.read(), nullptr);
+}
+
+TEST_F(SlotTest, AReaderGivesWhatWasThereBeforeIt) {
+  Slot<Counted> slot;
+  const auto first = slot.fill(std::make_shared<Counted>());
+
+  EXPECT_EQ(SlotReader(slot).read(), first.get());
+}
+
+TEST_F(SlotTest, AReaderKeepsWhatItReadAliveUntilTheNextRead) {
+  Slot<Counted> slot;
+  slot.store(std::make_shared<Counted>(&slot));
+  SlotReader reader(slot);
+  static_cast<void>(reader.read());
+
+  slot.store(nullptr);
+  EXPECT_EQ(Counted::destroyed, 0);
+
+  EXPECT_EQ(reader.read(), nullptr);
+  EXPECT_EQ(Counted::destroyed, 1);
+}
+
+TEST_F(SlotTest, AReaderThatEndsLeavesNothingAlive) {
+  Slot<Counted> slot;
+  slot.store(std::make_shared<Counted>(&slot));
+  {
+    SlotReader reader(slot);
+    static_cast<void>(reader.read());
+    slot.store(nullptr);
+  }
+
+  EXPECT_EQ(Counted::destroyed, 1);
+}
+
+// An object that knows when it was stored.
+struct Stored {
+  int number = 0;
+};
+
+TEST_F(SlotTest, AThreadsReaderNeverFallsBehindWhatItsThreadKnowsToBeStored) {
+  constexpr int kStores = 20'000;
+  Slot<const Stored> slot;
+  std::atomic<int> stored = 0;
+  slot.store(std::make_shared<const Stored>());
+
+  std::vector<std::jthread> threads;
+  for (int t = 0; t < 4; ++t) {
+    threads.emplace_back([&] {
+      SlotReader reader(slot);
+      for (int known = 0; known < kStores;) {
+        known = stored;
+        EXPECT_GE(reader.read()->number, known);
+      }
+    });
+  }
+  for (int i = 1; i <= kStores; ++i) {
+    slot.store(std::make_shared<const Stored>(Stored{i}));
+    stored = i;
+  }
+}
+
 }  // namespace
 }  // namespace tavlo

@@ -70,5 +70,54 @@ TEST_F(UniqueUser, EachCounterIsReadOnceInOrder) {
                           "getNumberOfWeek", "getUniqueUserMonthValue", "getNumberOfMonth"));
 }
 
+TEST_F(UniqueUser, EachCounterIsAskedOfTheHandlerThatIsInstalledThen) {
+  const auto later = std::make_shared<RecordingUsers>();
+  later->day = "321";
+  later->weekValue = 1;
+  later->week = 46;
+  users_->dayValue = 1;
+  users_->onRead = [&] {
+    if (users_->reads.back() == "getUniqueUserDayValue") TavloUniqueUserHandler::install(later);
+  };
+  later->onRead = [&] {
+    if (later->reads.back() == "getUniqueUserWeekValue") TavloUniqueUserHandler::install(nullptr);
+  };
+
+  EXPECT_EQ(fragment(), "&ru=0&ru_n=&uud=1&uud_n=321&uuw=1&uuw_n=0&uum=0&uum_n=0");
+  EXPECT_THAT(users_->reads, ElementsAre("getIsUserNew", "getUniqueUserDayValue"));
+  EXPECT_THAT(later->reads, ElementsAre("getUniqueUserDay", "getUniqueUserWeekValue"));
+}
+
+// Replaces itself while it is asked.
+class Replaced final : public TavloUniqueUserHandler {
+ public:
+  explicit Replaced(bool& destroyed) : destroyed_(destroyed) {}
+  Replaced(const Replaced&) = delete;
+  Replaced& operator=(const Replaced&) = delete;
+  ~Replaced() override { destroyed_ = true; }
+
+  std::int32_t isUserNew() const override {
+    install(nullptr);
+    return destroyed_ ? 0 : 1;
+  }
+  std::int32_t uniqueUserDayValue() const override { return 1; }
+  Text uniqueUserDay() const override { return "1"; }
+  std::int32_t uniqueUserWeekValue() const override { return 1; }
+  std::int32_t numberOfWeek() const override { return 1; }
+  std::int32_t uniqueUserMonthValue() const override { return 1; }
+  std::int32_t numberOfMonth() const override { return 1; }
+
+ private:
+  bool& destroyed_;
+};
+
+TEST_F(UniqueUser, AHandlerThatIsReplacedWhileItIsAskedLivesUntilItHasAnswered) {
+  bool destroyed = false;
+  TavloUniqueUserHandler::install(std::make_shared<Replaced>(destroyed));
+
+  EXPECT_EQ(fragment(), "&ru=1&ru_n=&uud=0&uud_n=(null)&uuw=0&uuw_n=0&uum=0&uum_n=0");
+  EXPECT_TRUE(destroyed);
+}
+
 }  // namespace
 }  // namespace tavlo
