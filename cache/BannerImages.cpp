@@ -65,7 +65,8 @@ void TavloUtility::cachedBannerImage(const Text& url) {
 
 // Without a directory the path is absent, no file exists at it, and the look-up says so.
 Text TavloUtility::getCacheBannerImagePath(const Text& url) {
-  const std::string cleaned = url ? cleanedUrl(*url) : "";
+  std::string room;
+  const std::string_view cleaned = url ? cleanedUrl(*url, room) : std::string_view();
   if (cleaned.empty()) {
     Logger::printLog(kNoUrl);
     return std::nullopt;

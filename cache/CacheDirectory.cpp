@@ -68,9 +68,10 @@ Text existingPath(FileManager& files, std::string_view fileName, std::string_vie
 // The extension is that of the text as it was passed, also where the digest is that of the cleaned one.
 std::string videoName(const Text& url) {
   constexpr std::size_t kLongestUsual = 48;  // 32 digits, a dot, an extension
+  std::string room;
   std::string name;
   name.reserve(kLongestUsual);
-  appendMd5OfText(name, cleanedUrl(*url));
+  appendMd5OfText(name, cleanedUrl(*url, room));
   name += '.';
   appendText(name, TavloUtility::getFileExtensionFromUrl(url));
   return name;

@@ -1,9 +1,13 @@
 #include "cache/SortByStartDate.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
+#include <limits>
+#include <numeric>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -13,11 +17,10 @@
 namespace tavlo {
 namespace {
 
-// A record and what it is sorted by. Where the ranks of two differ they decide.
-struct Keyed {
+// What is sorted in place of a record. Where the ranks of two differ they decide.
+struct Ranked {
   std::uint64_t rank = 0;
-  const Value* startDate = nullptr;  // nullptr when it is missing
-  const Value* record = nullptr;
+  std::size_t place = 0;  // the record's
 };
 
 const Value* startDateOf(const Value& record) {
@@ -28,13 +31,23 @@ const Value* startDateOf(const Value& record) {
   return nothing ? nullptr : date;
 }
 
-// The first eight bytes, which decide most comparisons.
+// Eight bytes, which decide most comparisons.
 std::uint64_t textRank(std::string_view text) {
   std::uint64_t rank = 0;
   for (std::size_t i = 0; i < sizeof rank; ++i) {
     rank = (rank << 8U) | (i < text.size() ? static_cast<unsigned char>(text[i]) : 0U);
   }
   return rank;
+}
+
+// How many bytes all the texts begin with alike.
+std::size_t commonLength(const std::vector<const Value*>& texts) {
+  std::string_view common = texts.empty() ? std::string_view() : *texts.front()->ifText();
+  for (const Value* const each : texts) {
+    const std::string& text = *each->ifText();
+    common = {common.begin(), std::mismatch(common.begin(), common.end(), text.begin(), text.end()).first};
+  }
+  return common.size();
 }
 
 // Orders as the seconds do of numbers, a zero below zero before the other.
@@ -45,43 +58,76 @@ std::uint64_t dateRank(double seconds) {
 }
 
 // Long texts could be made to cost: each is compared more than once.
-bool isShortText(const Keyed& keyed) {
+bool isShortText(const Value* startDate) {
   constexpr std::size_t kShort = 64;
-  const std::string* const text = keyed.startDate ? keyed.startDate->ifText() : nullptr;
+  const std::string* const text = startDate ? startDate->ifText() : nullptr;
   return text && text->size() <= kShort;
 }
 
 // One that is a number: the others have an order of their own.
-bool isDate(const Keyed& keyed) {
-  const Date* const date = keyed.startDate ? keyed.startDate->ifDate() : nullptr;
+bool isDate(const Value* startDate) {
+  const Date* const date = startDate ? startDate->ifDate() : nullptr;
   return date && !std::isnan(date->seconds);
+}
+
+// By rank; equal ones keep their order. Eight bits of all ranks after the others, from the lowest bit in which they
+// differ to the highest.
+void sortByRank(std::vector<Ranked>& order) {
+  constexpr int kDigit = 8;
+  std::uint64_t differing = 0;
+  for (const Ranked& each : order) differing |= each.rank ^ order.front().rank;
+  const int end = std::numeric_limits<std::uint64_t>::digits - std::countl_zero(differing);
+  std::vector<Ranked> sorted(order.size());
+  for (int shift = std::countr_zero(differing); shift < end; shift += kDigit) {
+    const auto digitOf = [=](const Ranked& each) { return each.rank >> shift & ((1U << kDigit) - 1); };
+    std::array<std::size_t, 1U << kDigit> places{};  // how many have the digit, and then where the next of them goes
+    for (const Ranked& each : order) ++places[digitOf(each)];
+    std::exclusive_scan(places.begin(), places.end(), places.begin(), std::size_t{0});
+    for (const Ranked& each : order) sorted[places[digitOf(each)]++] = each;
+    order.swap(sorted);
+  }
 }
 
 }  // namespace
 
 ValueList sortedByStartDate(const ValueList& records) {
-  std::vector<Keyed> order;
+  std::vector<const Value*> dates;  // nullptr where one is missing
+  std::vector<Ranked> order;
+  dates.reserve(records.size());
   order.reserve(records.size());
-  for (const Value& record : records) order.push_back({.rank = 0, .startDate = startDateOf(record), .record = &record});
-  const bool areDates = std::all_of(order.begin(), order.end(), isDate);
-  const bool areTexts = !areDates && std::all_of(order.begin(), order.end(), isShortText);
-  for (Keyed& each : order) {
-    if (areDates) each.rank = dateRank(each.startDate->ifDate()->seconds);
-    if (areTexts) each.rank = textRank(*each.startDate->ifText());
+  bool areDates = true;
+  for (const Value& record : records) {
+    const Value* const date = startDateOf(record);
+    areDates = areDates && isDate(date);
+    order.push_back({.rank = areDates ? dateRank(date->ifDate()->seconds) : 0, .place = dates.size()});
+    dates.push_back(date);
   }
+  const bool areTexts = !areDates && std::all_of(dates.begin(), dates.end(), isShortText);
+  if (areTexts) {
+    const std::size_t common = commonLength(dates);
+    for (Ranked& each : order) each.rank = textRank(std::string_view(*dates[each.place]->ifText()).substr(common));
+  }
+  if (areDates || areTexts) sortByRank(order);
 
   ValueComparison comparison;
-  std::stable_sort(order.begin(), order.end(), [&](const Keyed& a, const Keyed& b) {
-    if (a.rank != b.rank) return a.rank < b.rank;
-    if (areDates) return false;
-    if (areTexts) return *a.startDate->ifText() < *b.startDate->ifText();
-    if (!a.startDate || !b.startDate) return !a.startDate && b.startDate;
-    return comparison.compare(*a.startDate, *b.startDate) < 0;
-  });
+  const auto isBefore = [&](const Ranked& left, const Ranked& right) {
+    const Value* const a = dates[left.place];
+    const Value* const b = dates[right.place];
+    if (areTexts) return *a->ifText() < *b->ifText();
+    if (!a || !b) return !a && b;
+    return comparison.compare(*a, *b) < 0;
+  };
+  for (auto run = order.begin(); !areDates && run != order.end();) {
+    const auto end = areTexts
+                         ? std::find_if(run, order.end(), [=](const Ranked& each) { return each.rank != run->rank; })
+                         : order.end();
+    if (end - run > 1) std::stable_sort(run, end, isBefore);
+    run = end;
+  }
 
   ValueList sorted;
   sorted.reserve(order.size());
-  for (const Keyed& each : order) sorted.push_back(*each.record);
+  for (const Ranked& each : order) sorted.push_back(records[each.place]);
   return sorted;
 }
 

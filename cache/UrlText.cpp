@@ -19,17 +19,19 @@ std::size_t lastCodePoint(std::string_view text) {
   return text.size() - 1;
 }
 
+bool isVisibleAscii(char c) { return c > ' ' && c < '\x7F'; }
+
 std::string_view trimmed(std::string_view text, Predicate isBlank) {
   const auto blankAt = [&](std::size_t at) {
     const CodePoint codePoint = decodeUtf8(text, at);
     return codePoint.valid && isBlank(codePoint.value) ? codePoint.length : 0;
   };
-  while (!text.empty()) {
+  while (!text.empty() && !isVisibleAscii(text.front())) {
     const std::size_t length = blankAt(0);
     if (length == 0) break;
     text.remove_prefix(length);
   }
-  while (!text.empty()) {
+  while (!text.empty() && !isVisibleAscii(text.back())) {
     const std::size_t length = blankAt(lastCodePoint(text));
     if (length == 0) break;
     text.remove_suffix(length);
@@ -41,11 +43,13 @@ std::string_view trimmed(std::string_view text, Predicate isBlank) {
 
 std::string_view trimmedOfWhitespace(std::string_view text) { return trimmed(text, &isWhitespace); }
 
-std::string cleanedUrl(std::string_view text) {
-  if (text.find('\n') == std::string_view::npos) return std::string(trimmed(text, &isWhitespaceOrNewline));
-  std::string cleaned(text);
-  std::erase(cleaned, '\n');
-  return std::string(trimmed(cleaned, &isWhitespaceOrNewline));
+std::string_view cleanedUrl(std::string_view text, std::string& room) {
+  if (text.find('\n') != std::string_view::npos) {
+    room = text;
+    std::erase(room, '\n');
+    text = room;
+  }
+  return trimmed(text, &isWhitespaceOrNewline);
 }
 
 }  // namespace tavlo

@@ -14,7 +14,8 @@ namespace tavlo {
 // Without whitespace at both ends; newlines stay. A view into the text.
 [[nodiscard]] std::string_view trimmedOfWhitespace(std::string_view text);
 
-// Without any U+000A, wherever it stands, and then without whitespace and newlines at both ends.
-[[nodiscard]] std::string cleanedUrl(std::string_view text);
+// Without any U+000A, wherever it stands, and then without whitespace and newlines at both ends. A view into the text,
+// or into `room` when there was a U+000A to leave out.
+[[nodiscard]] std::string_view cleanedUrl(std::string_view text, std::string& room);
 
 }  // namespace tavlo

@@ -41,7 +41,8 @@ NamedFile fileOf(const fs::path& folder, const Text& name) {
 
 Explanation explain(const std::string& url, const fs::path& folder) {
   const CacheNames names = cacheNamesOf(url);
-  const std::string cleaned = cleanedUrl(url);
+  std::string room;
+  const std::string cleaned(cleanedUrl(url, room));
   return {.url = url,
           .cleaned = cleaned,
           .trimmed = std::string(trimmedOfWhitespace(url)),

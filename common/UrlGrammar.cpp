@@ -9,31 +9,30 @@
 namespace tavlo {
 namespace {
 
-// The RFC's character classes, one bit each.
+// The RFC's character classes, one bit each. What may stand in a host's name (unreserved characters and sub-delims)
+// may also stand in user information, that in a path, and that in a query.
 enum Class : std::uint8_t {
   kAlpha = 1,
   kDigit = 2,
   kHexLetter = 4,
-  kMark = 8,
-  kSubDelim = 16,
-  kColon = 32,
-  kInPath = 64,
-  kInQuery = 128
+  kInName = 8,
+  kInUserInfo = 16,
+  kInPath = 32,
+  kInQuery = 64,
 };
-constexpr std::uint8_t kUnreserved = kAlpha | kDigit | kMark;
 
 constexpr auto kClasses = [] {
   std::array<std::uint8_t, 256> classes{};
-  const auto add = [&](std::string_view characters, Class which) {
-    for (const char c : characters) classes[static_cast<unsigned char>(c)] |= which;
+  const auto add = [&](std::string_view characters, unsigned which) {
+    for (const char c : characters) classes[static_cast<unsigned char>(c)] |= static_cast<std::uint8_t>(which);
   };
-  add("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz", kAlpha);
-  add("0123456789", kDigit);
+  constexpr unsigned kAny = kInName | kInUserInfo | kInPath | kInQuery;
+  add("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz", kAlpha | kAny);
+  add("0123456789", kDigit | kAny);
   add("ABCDEFabcdef", kHexLetter);
-  add("-._~", kMark);
-  add("!$&'()*+,;=", kSubDelim);
-  add(":", kColon);
-  add("@/", kInPath);
+  add("-._~!$&'()*+,;=", kAny);
+  add(":", kInUserInfo | kInPath | kInQuery);
+  add("@/", kInPath | kInQuery);
   add("?", kInQuery);
   return classes;
 }();
@@ -46,13 +45,30 @@ bool allOf(std::string_view text, std::uint8_t classes, std::string_view others 
                      [&](char c) { return is(c, classes) || others.find(c) != std::string_view::npos; });
 }
 
-// Unreserved characters, sub-delims, percent triplets and the other classes.
-bool isEncoded(std::string_view text, std::uint8_t others) {
-  const std::uint8_t classes = kUnreserved | kSubDelim | others;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (is(text[i], classes)) continue;
-    if (text[i] != '%' || text.size() - i < 3 || !isHexDigit(text[i + 1]) || !isHexDigit(text[i + 2])) return false;
-    i += 2;
+// Whether a whole run is of the class: all are looked up before one branch.
+constexpr std::size_t kRun = 8;
+bool isRun(const char* text, Class which) {
+  std::uint8_t common = which;
+  for (std::size_t i = 0; i < kRun; ++i) common &= kClasses[static_cast<unsigned char>(text[i])];
+  return common != 0;
+}
+
+// Characters of the class and percent triplets.
+bool isEncoded(std::string_view text, Class which) {
+  for (std::size_t i = 0; i < text.size();) {
+    const std::size_t end = std::min(i + kRun, text.size());
+    if (end - i == kRun && isRun(text.data() + i, which)) {
+      i = end;
+      continue;
+    }
+    while (i < end) {
+      if (is(text[i], which)) {
+        ++i;
+        continue;
+      }
+      if (text[i] != '%' || text.size() - i < 3 || !isHexDigit(text[i + 1]) || !isHexDigit(text[i + 2])) return false;
+      i += 3;
+    }
   }
   return true;
 }
@@ -112,12 +128,12 @@ bool isFutureAddress(std::string_view text) {
   const std::string_view version = text.substr(1, dot - 1);
   const std::string_view address = text.substr(dot + 1);
   return !version.empty() && std::all_of(version.begin(), version.end(), isHexDigit) && !address.empty() &&
-         allOf(address, kUnreserved | kSubDelim, ":");
+         allOf(address, kInUserInfo);
 }
 
 bool isAuthority(std::string_view text) {
   if (const std::size_t at = text.find('@'); at != std::string_view::npos) {
-    if (!isEncoded(text.substr(0, at), kColon)) return false;
+    if (!isEncoded(text.substr(0, at), kInUserInfo)) return false;
     text.remove_prefix(at + 1);
   }
   std::string_view port;
@@ -130,7 +146,7 @@ bool isAuthority(std::string_view text) {
     if (!port.empty() && port.front() != ':') return false;
   } else {
     const std::size_t colon = std::min(text.find(':'), text.size());
-    if (!isEncoded(text.substr(0, colon), 0)) return false;
+    if (!isEncoded(text.substr(0, colon), kInName)) return false;
     port = text.substr(colon);
   }
   return port.empty() || allOf(port.substr(1), kDigit);
@@ -149,11 +165,10 @@ int hexValue(char c) { return c <= '9' ? c - '0' : (c | 0x20) - 'a' + 10; }
 
 // Whether the text is a reference; its components are in `url` then.
 bool parse(std::string_view text, UrlReference& url) {
-  constexpr std::uint8_t kBehindPath = kColon | kInPath | kInQuery;
   url.fragment = cutAt(text, '#');
   url.query = cutAt(text, '?');
-  if (url.fragment && !isEncoded(*url.fragment, kBehindPath)) return false;
-  if (url.query && !isEncoded(*url.query, kBehindPath)) return false;
+  if (url.fragment && !isEncoded(*url.fragment, kInQuery)) return false;
+  if (url.query && !isEncoded(*url.query, kInQuery)) return false;
 
   // A ":" before the first "/" ends a scheme; a relative reference has none there.
   const auto* const mark = std::find_if(text.begin(), text.end(), [](char c) { return c == ':' || c == '/'; });
@@ -170,7 +185,7 @@ bool parse(std::string_view text, UrlReference& url) {
     text.remove_prefix(slash);
   }
   url.path = text;
-  return isEncoded(text, kColon | kInPath);
+  return isEncoded(text, kInPath);
 }
 
 }  // namespace

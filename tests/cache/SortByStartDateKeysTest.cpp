@@ -89,6 +89,18 @@ TEST(SortByStartDateKeys, TextsOrderBeyondTheirFirstEightBytes) {
   expectOrder({"12345678", "123456780", "123456781", "12345678a", "1234567a", "1234567a0"});
 }
 
+TEST(SortByStartDateKeys, TextsThatBeginAlikeOrderByWhatFollows) {
+  expectOrder({"2026-05", "2026-05-01", "2026-05-01 10:00:00", "2026-05-01 10:00:01", "2026-05-11", "2026-06-01"});
+  expectOrder({"2026-05-01 10:00", "2026-05-01 10:00:00.000", "2026-05-01 10:00:00.0001", "2026-05-01 10:00:01"});
+}
+
+TEST(SortByStartDateKeys, EachBitOfADateCounts) {
+  for (int bit = 0; bit < 64; ++bit) {
+    const double one = std::bit_cast<double>(std::bit_cast<std::uint64_t>(1.0) ^ std::uint64_t{1} << bit);
+    expectOrder({date(std::min(one, 1.0)), date(std::max(one, 1.0))});
+  }
+}
+
 TEST(SortByStartDateKeys, ShorterOfTwoTextsComesFirst) {
   expectOrder({"", "a", "aa", "aaa", "aaaaaaa", "aaaaaaaa", "aaaaaaaaa", "aaaaaaaaaa", "ab", "b"});
 }

@@ -92,6 +92,35 @@ TEST(UrlGrammarTest, ANulInThePathStaysInTheExtension) {
   EXPECT_EQ(TavloUtility::getFileExtensionFromUrl(std::string("http://h/x.a\0b", 14)), std::nullopt);
 }
 
+// Long stretches are checked several bytes at a time.
+TEST(UrlGrammarTest, EveryByteOfALongPathIsChecked) {
+  constexpr std::size_t kLength = 40;
+  for (std::size_t length = 1; length <= kLength; ++length) {
+    for (std::size_t at = 0; at < length; ++at) {
+      std::string path(length, 'a');
+      path[at] = 'Z';
+      EXPECT_EQ(parseUrlReference(path)->path, path);
+
+      for (const char refused : {' ', '"', '[', '^', '\x7F', '\x80', '\xFF', '\0'}) {
+        path[at] = refused;
+        EXPECT_FALSE(parseUrlReference(path)) << length << " " << at;
+      }
+    }
+  }
+}
+
+TEST(UrlGrammarTest, AnEscapeMayBeginAnywhereInALongPathAndMustBeWhole) {
+  constexpr std::size_t kLength = 40;
+  for (std::size_t at = 0; at < kLength; ++at) {
+    const std::string before(at, 'a');
+    EXPECT_EQ(parseUrlReference(before + "%2f" + "bbbbbbbbb")->path, before + "%2f" + "bbbbbbbbb");
+    EXPECT_EQ(parseUrlReference(before + "%2f%C3%a4")->path, before + "%2f%C3%a4");
+    for (const char* const broken : {"%", "%2", "%2g", "%g2", "%%41", "%2/bbbbbbbb", "%-2bbbbbbbb"}) {
+      EXPECT_FALSE(parseUrlReference(before + broken)) << before << broken;
+    }
+  }
+}
+
 TEST(UrlGrammarTest, AgreesWithAnIndependentGrammarOnGeneratedUrls) {
   const std::string count = std::to_string(test::figure(20'000, 200'000));
 
