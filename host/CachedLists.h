@@ -8,8 +8,8 @@
 //          reader meets the old list or the new one, whole.
 // Logs     those of TavloUtility::getDocumentDirectoryPath().
 // Threads  any thread, any time; the last writer wins.
-// Throws   CachedListError, which says what failed and what to do; the old list then stands. Nothing else but
-//          std::bad_alloc.
+// Throws   CachedListError, which says what failed and what to do; the old list then stands, or the new one, whole,
+//          when all that failed is making its name durable. Nothing else but std::bad_alloc.
 #pragma once
 
 #include <stdexcept>

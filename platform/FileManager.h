@@ -87,8 +87,8 @@ class FileManager {
   // The bytes of a whole file. Absent when it cannot be read or is no regular file.
   [[nodiscard]] virtual std::optional<std::string> dataWithContentsOfFile(const Text& path) = 0;
 
-  // Puts the bytes under the path in one step: a reader, and whoever finds the file after a crash of the
-  // process, meets the earlier file or the new one, whole. After a failure the earlier one stands.
+  // Puts the bytes under the path in one step: a reader, and whoever finds the file after a crash of the process, meets
+  // the earlier file or the new one, whole. After a failure that is the earlier one, unless only its name did not last.
   [[nodiscard]] virtual FileResult writeToFileAtomically(std::string_view bytes, const Text& path, Durable durable) = 0;
 };
 
