@@ -18,12 +18,18 @@ below it the figures that were reached. The exit status is 1 when an item did no
 
 # Item, promises, presets, targets to build, and the tests by ctest's names. Figures are found by the item's label.
 readonly TABLE='
-T6  P3,P4  release         tavlo_real_cache_tests        ^(CacheUnderThreads[.].*(Directory|Winner|Clearing)|Clearing[.])
+T1  P1     release         tavlo_linux_tests,tavlo_kill_tests ^(.*/SettingsKillAt|TracedKill)[.]
+T2  P1     release         tavlo_kill_tests              ^RandomKill[.]Loses
+T3  P2     release         tavlo_linux_tests,tavlo_fault_tests,tavlo_database_fault_tests ^(.*/)?(Settings|Cache|Database)(Faults?|ShortWrite)[.]
+T4  P2     release         tavlo_fault_tests             ^.*/DiskTrouble[.]
+T5  P1     release         tavlo_linux_tests             ^.*/SettingsPowerLoss[.]
+T6  P3,P4  release         tavlo_real_cache_tests,tavlo_kill_tests ^(CacheUnderThreads[.].*(Directory|Winner|Clearing)|Clearing[.]|RandomKill[.]LeavesNoHalf)
 T7  P3     release         tavlo_real_cache_tests        ^CacheUnderThreads[.]Readers
 T8  P5,P6  release         tavlo_download_tests          ^(BannerDownload|.*/ThreadedProcess[.])
 T10 P8     tsan,tsan-clang tavlo_all_operations_tests,tavlo_race ^(AllOperationsThread|ThreadSanitizer)[.]
 T11 P9     release         tavlo_resources_tests,tavlo_location_tests ^(Resource|Location)SlotsThread[.]
-T12 P10    release         tavlo_location_tests,tavlo_location_thread_tests ^(LateAnswers|OddAddresses|LocationUnderThreads)'
+T12 P10    release         tavlo_location_tests,tavlo_location_thread_tests ^(LateAnswers|OddAddresses|LocationUnderThreads)
+T13 P11    release         tavlo_out_of_memory_tests     ^(.*/OutOfMemoryIn|(Banner|AtomicFile|WorkerQueue)OutOfMemory(Thread)?)[.]'
 
 wrong() {
   printf 'trust: %s\n\n%s\n' "$1" "$USAGE" >&2

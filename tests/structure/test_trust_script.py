@@ -21,7 +21,7 @@ class Trust(unittest.TestCase):
 
         self.assertEqual((run.status, run.err), (0, ""))
         self.assertEqual(run.calls[:2], ["cmake --preset release", "cmake --build --preset release --target "
-                                         "tavlo_real_cache_tests tavlo_real_cache_tests"])
+                                         "tavlo_real_cache_tests tavlo_kill_tests tavlo_real_cache_tests"])
         self.assertEqual([call.split(" --tests-regex ")[0] for call in run.calls[2:]],
                          ["ctest --preset release --verbose"] * 2)
         self.assertRegex(run.out, r"""
