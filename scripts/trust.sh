@@ -13,7 +13,7 @@ below it the figures that were reached. The exit status is 1 when an item did no
   --seed N  the seed of random tests, a whole number below 2^63; without it another one each time
   -h        this text
 
-  scripts/trust.sh                  everything, in about half an hour
+  scripts/trust.sh                  everything, in about an hour
   scripts/trust.sh --seed 7 T6 T7   two items from one seed"
 
 # Item, promises, presets, targets to build, and the tests by ctest's names. Figures are found by the item's label.
@@ -26,10 +26,12 @@ T5  P1     release         tavlo_linux_tests             ^.*/SettingsPowerLoss[.
 T6  P3,P4  release         tavlo_real_cache_tests,tavlo_kill_tests ^(CacheUnderThreads[.].*(Directory|Winner|Clearing)|Clearing[.]|RandomKill[.]LeavesNoHalf)
 T7  P3     release         tavlo_real_cache_tests        ^CacheUnderThreads[.]Readers
 T8  P5,P6  release         tavlo_download_tests          ^(BannerDownload|.*/ThreadedProcess[.])
+T9  P7     release         tavlo_archive_tests,tavlo_value_tests,tavlo_amplifier_tests ^(.*/)?(KeyedArchive|PropertyList|Amplifier)
 T10 P8     tsan,tsan-clang tavlo_all_operations_tests,tavlo_race ^(AllOperationsThread|ThreadSanitizer)[.]
 T11 P9     release         tavlo_resources_tests,tavlo_location_tests ^(Resource|Location)SlotsThread[.]
 T12 P10    release         tavlo_location_tests,tavlo_location_thread_tests ^(LateAnswers|OddAddresses|LocationUnderThreads)
-T13 P11    release         tavlo_out_of_memory_tests     ^(.*/OutOfMemoryIn|(Banner|AtomicFile|WorkerQueue)OutOfMemory(Thread)?)[.]'
+T13 P11    release         tavlo_out_of_memory_tests     ^(.*/OutOfMemoryIn|(Banner|AtomicFile|WorkerQueue)OutOfMemory(Thread)?)[.]
+T14 P12    release         tavlo_common_tests,tavlo_request_tests,tavlo_cli_test ^(FormatTest|IntValueOf|Md5Test|UrlGrammarTest|UrlEncodeTest|WireContractTest)'
 
 wrong() {
   printf 'trust: %s\n\n%s\n' "$1" "$USAGE" >&2
@@ -83,7 +85,7 @@ done
 
 # What the item's tests told, one line for each wording: the numbers that they begin with are added up.
 figures() { # ITEM LOG
-  sed -n "s/^.*\[ FIGURE \] \($1[^0-9:]*: .*\)/\1/p" "$2" | awk '
+  sed -n "s/^.*\[ FIGURE \] \($1\(\|[^0-9][^:]*\): .*\)/\1/p" "$2" | awk '
     { label = $0; sub(/: .*/, ": ", label); rest = substr($0, length(label) + 1)
       number = match(rest, /^[0-9]+ /) ? substr(rest, 1, RLENGTH - 1) : ""
       wording = label "\t" substr(rest, number == "" ? 1 : RLENGTH) }
