@@ -28,33 +28,32 @@ void Race::print(std::size_t number) const {
   for (const Bar& each : bars_) std::printf("bar\t%g\t%s\n", each.ratio, each.of.c_str());
 }
 
-std::int64_t Race::check() const {
+std::vector<std::int64_t> Race::check() const {
   if (setUp_) setUp_();
   std::optional<std::string> expected;
-  std::int64_t peak = 0;
+  std::vector<std::int64_t> peaks;
   for (const Contestant& each : contestants_) {
     if (prepare_) prepare_();
-    std::int64_t held = 0;
-    const std::optional<std::string> answer = each.answer(held);
+    const std::optional<std::string> answer = each.answer(peaks.emplace_back(0));
     if (each.role == Role::ours) {
-      peak = held;
       expected = answer;
     } else if (each.role == Role::peer && answer && answer != expected) {
       throw std::runtime_error(operation_ + ", " + input_ + ": " + each.name + " answers\n  " + shortened(*answer) +
                                "\nand we answer\n  " + shortened(expected.value_or("nothing")));
     }
   }
-  return peak;
+  return peaks;
 }
 
-void Race::enterBenchmarks(std::int64_t peak) const {
-  for (const Contestant& each : contestants_) {
-    auto* const benchmark = benchmark::RegisterBenchmark(
-        (operation_ + '/' + input_ + '/' + each.name).c_str(),
-        [run = each.run, prepare = prepare_, isOurs = each.role == Role::ours, peak](benchmark::State& state) {
-          run(state, prepare);
-          if (isOurs) state.counters["peak_bytes"] = static_cast<double>(peak);
-        });
+void Race::enterBenchmarks(const std::vector<std::int64_t>& peaks) const {
+  for (std::size_t i = 0; i < contestants_.size(); ++i) {
+    const Contestant& each = contestants_[i];
+    auto* const benchmark =
+        benchmark::RegisterBenchmark((operation_ + '/' + input_ + '/' + each.name).c_str(),
+                                     [run = each.run, prepare = prepare_, peak = peaks.at(i)](benchmark::State& state) {
+                                       run(state, prepare);
+                                       state.counters["peak_bytes"] = static_cast<double>(peak);
+                                     });
     if (prepare_) {
       benchmark->UseManualTime()->Iterations(1);
     } else if (wallClock_) {

@@ -95,9 +95,10 @@ class Race {
 
   // One line of tab-separated fields for the race, each contestant and each bar.
   void print(std::size_t number) const;
-  // Throws std::runtime_error when a peer's answer differs from ours. Gives the most bytes that ours held at once.
-  std::int64_t check() const;
-  void enterBenchmarks(std::int64_t peak) const;
+  // Throws std::runtime_error when a peer's answer differs from ours. Gives the most bytes that each contestant held
+  // at once.
+  std::vector<std::int64_t> check() const;
+  void enterBenchmarks(const std::vector<std::int64_t>& peaks) const;
 
  private:
   template <typename Work>

@@ -55,8 +55,7 @@ def run(program, race, repetitions, seconds):
         each["times"] = [one[clock] * scale[one["time_unit"]] for one in runs]
         each["median"] = statistics.median(each["times"])
         each["allocations"] = runs[0].get("allocations", 0)
-        if "peak_bytes" in runs[0]:
-            race["peak_bytes"] = runs[0]["peak_bytes"]
+        each["peak_bytes"] = runs[0]["peak_bytes"]
 
 
 def contestant_of(name, prefix):
@@ -131,6 +130,23 @@ def row(race):
             f"{race['ours']['allocations']:.3g}", f"{race['spread']:.0%}")
 
 
+MEMORY_COLUMNS = ("most memory held at once", "input", "ours", "others", "to limit", "ours for each of the size")
+
+
+def memory(races):
+    """Of the races with sizes: the bytes that were asked for and not given back, at their most."""
+    rows = []
+    for race in races:
+        ours, *others = [(each["name"], each["peak_bytes"]) for each in race["contestants"]]
+        if not race["size"] or ours[1] == 0:
+            continue
+        limit = race["limit"]["peak_bytes"] if race["limit"] else 0
+        rows.append((race["operation"], race["input"], f"{ours[1]:,.0f}",
+                     ", ".join(f"{name} {peak:,.0f}" for name, peak in others) or "-",
+                     f"{ours[1] / limit:.2f}" if limit else "-", f"{ours[1] / race['size']:.3g}"))
+    return rows
+
+
 def machine():
     model = next((line.split(":", 1)[1].strip() for line in Path("/proc/cpuinfo").read_text(encoding="utf-8").splitlines()
                   if line.startswith("model name")), "an unknown processor")
@@ -147,17 +163,25 @@ def markdown(races, exponents, about):
     if exponents:
         lines += ["", "| operation | time grows with the size to the power of |", "|---|---|"]
         lines += [f"| {operation} | {exponent:.2f} |" for operation, exponent in exponents.items()]
+    if held := memory(races):
+        lines += ["", "| " + " | ".join(MEMORY_COLUMNS) + " |", "|" + "---|" * len(MEMORY_COLUMNS)]
+        lines += ["| " + " | ".join(line) + " |" for line in held]
     return "\n".join(lines) + "\n"
 
 
 def text(races, exponents, about):
     if not races:
         return about
-    rows = [COLUMNS, *map(row, races)]
-    widths = [max(len(line[i]) for line in rows) for i in range(len(COLUMNS))]
-    lines = ["  ".join(cell.ljust(width) for cell, width in zip(line, widths)).rstrip() for line in rows]
+    lines = aligned([COLUMNS, *map(row, races)])
     lines += [f"{operation}: time ~ size ^ {exponent:.2f}" for operation, exponent in exponents.items()]
+    if held := memory(races):
+        lines += ["", *aligned([MEMORY_COLUMNS, *held])]
     return "\n".join([about, *lines])
+
+
+def aligned(rows):
+    widths = [max(map(len, column)) for column in zip(*rows)]
+    return ["  ".join(cell.ljust(width) for cell, width in zip(line, widths)).rstrip() for line in rows]
 
 
 def put(document, table):
