@@ -9,6 +9,7 @@
 #include "platform/linux/AtomicFile.h"
 #include "platform/linux/WorkerQueue.h"
 #include "tests/support/FailingAllocations.h"
+#include "tests/support/Scale.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace tavlo::test {
@@ -53,6 +54,8 @@ TEST(WorkerQueueOutOfMemoryThread, RunsEachTaskThatItTookAndThrowsForTheOthers) 
     bool run = false;
     std::promise<void> done;
     linux_platform::WorkerQueue queue(1);
+    // It takes a std::call_once() whose function has thrown for one that is never done.
+    if (kUnderThreadSanitizer) queue.dispatchAsync([] {});
 
     std::function<void()> task = [&run] { run = true; };
     OutOfMemory memory(allocations, Lasts::once);

@@ -69,7 +69,7 @@ class OutOfMemoryWorld {
     if (!kUnderThreadSanitizer) return;
     static_cast<void>(platform_->fileManager());
     static_cast<void>(platform_->standardUserDefaults());
-    static_cast<void>(platform_->backgroundQueue());
+    platform_->backgroundQueue().dispatchAsync([] {});
   }
 
   [[nodiscard]] host::Host& host() { return host_; }
