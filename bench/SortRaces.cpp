@@ -25,7 +25,7 @@ struct SortedList {
 // The numbers in the identifiers, in order.
 std::string answerOf(const SortedList& list) {
   std::string answer;
-  for (const Value& record : *list.value->ifList()) answer += *record.ifMap()->find("id")->ifText() + ' ';
+  for (const Value& record : *list.value->ifList()) answer.append(*record.ifMap()->find("id")->ifText()) += ' ';
   return answer;
 }
 

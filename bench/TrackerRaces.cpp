@@ -43,8 +43,9 @@ std::string answerOf(const PairList& list) { return answerOf(SortedMap{{list.ent
 std::string answerOf(const OurMap& map) {
   SortedMap sorted;
   for (const auto& [key, value] : *map.map.ifMap()) {
-    sorted.entries[*key.ifText()] = value.ifText() ? PeerValue(*value.ifText()) : PeerValue();
-    if (value.ifList()) sorted.entries[*key.ifText()] = PeerValue(std::in_place_index<1>);
+    const std::string name(*key.ifText());
+    sorted.entries[name] = PeerValue(std::string(value.ifText().value_or("")));
+    if (value.ifList()) sorted.entries[name] = PeerValue(std::in_place_index<1>);
   }
   return answerOf(sorted);
 }

@@ -1,17 +1,15 @@
 #include "cache/ArchivedObjects.h"
 
-#include <unordered_set>
 #include <utility>
 
 #include "cache/KeyedArchive.h"
+#include "common/Numbered.h"
 #include "common/Utf8.h"
 
 namespace tavlo::keyed_archive {
 namespace {
 
 using Kind = Value::Kind;
-
-std::string quoted(std::string_view word) { return std::string(1, '"').append(word).append(1, '"'); }
 
 double asDouble(const Integer& integer) {
   if (integer.fitsSigned()) return static_cast<double>(static_cast<std::int64_t>(integer.low));
@@ -21,10 +19,14 @@ double asDouble(const Integer& integer) {
 
 }  // namespace
 
-void Place::fail(const std::string& what) const {
-  std::string where = "object " + std::to_string(object);
+void Place::fail(std::string_view pattern, std::initializer_list<std::uint64_t> numbers) const {
+  std::string where = numbered("object #", {object});
   if (!knownClass.empty()) where.append(" (").append(knownClass).append(")");
-  throw ArchiveError(where.append(": ").append(what));
+  throw ArchiveError(where.append(": ").append(numbered(pattern, numbers)));
+}
+
+void Place::fail(std::string_view word, std::string_view what) const {
+  fail(std::string(1, '"').append(word).append("\" ").append(what));
 }
 
 ArchivedObject ArchivedObjects::object(std::size_t number, std::vector<Part>& parts, ValueList& names) {
@@ -46,15 +48,14 @@ ArchivedObject ArchivedObjects::object(std::size_t number, std::vector<Part>& pa
 void ArchivedObjects::readFields(ArchivedObject& object, const Fields& fields, std::vector<Part>& parts,
                                  ValueList& names) {
   look(object.place, 1 + fields.count);
-  const Class& itsClass = classOf(object.place, fields);
-  object.form = itsClass.form;
-  object.className = *itsClass.name.ifText();
+  object.className = classOf(object.place, fields);
+  object.form = formOf(object.className);
   if (object.form != Form::object) object.place.knownClass = object.className;
   const Place& place = object.place;
   switch (object.form) {
     case Form::null: object.whole = Value(); break;
     case Form::text: object.whole = text(place, fields); break;
-    case Form::data: object.whole = plain(Kind::data, "data", place, fields, kData); break;
+    case Form::data: object.whole = valueOf(plain(Kind::data, place, fields, kData)); break;
     case Form::date: object.whole = Date{.seconds = seconds(place, fields)}; break;
     case Form::url:
       for (const auto name : {kBase, kRelative}) {
@@ -69,7 +70,7 @@ void ArchivedObjects::readFields(ArchivedObject& object, const Fields& fields, s
       const std::size_t keys = parts.size() - before;
       static_cast<void>(addItems(place, fields, kItems, parts));
       if (const std::size_t values = parts.size() - before - keys; values != keys) {
-        place.fail(std::to_string(keys) + " keys for " + std::to_string(values) + " values");
+        place.fail("# keys for # values", {keys, values});
       }
       break;
     }
@@ -90,21 +91,20 @@ void ArchivedObjects::readCustom(ArchivedObject& object, const Fields& fields, s
 // As they stand in the archive, without the class. Of fields with one name the last one's value counts.
 ArchivedObjects::Names ArchivedObjects::namesOf(const Place& place, const Fields& fields) {
   Names names{.references = file_.keys(fields), .fields = {}};
-  std::unordered_map<std::size_t, std::size_t> places;
-  std::unordered_set<std::size_t> dollars;
+  ValuePlaces places(names_);
+  ValuePlaces dollars(names_);
   for (std::size_t i = 0; i < fields.count; ++i) {
     const std::size_t number = file_.part(fields, i);
     const Fields name = file_.object(number);
     if (name.kind() != Kind::text) place.fail("a field's name is no text");
     if (file_.isText(name, kClass)) continue;
     const Value asItStands = values_.of(number);
-    const auto [known, isNew] = places.try_emplace(names_.of(asItStands), names.fields.size());
-    if (!isNew) {
-      names.fields[known->second].second = i;
+    if (const std::size_t known = places.of(asItStands, names.fields.size()); known < names.fields.size()) {
+      names.fields[known].second = i;
       continue;
     }
     Value itself = fieldName(number, asItStands);
-    if (itself.ifText()->starts_with('$') && !dollars.insert(names_.of(itself)).second) {
+    if (itself.ifText()->starts_with('$') && dollars.of(itself, i) != i) {
       place.fail("two fields have one name, but for a \"$\"");
     }
     names.fields.emplace_back(std::move(itself), i);
@@ -113,44 +113,45 @@ ArchivedObjects::Names ArchivedObjects::namesOf(const Place& place, const Fields
 }
 
 Value ArchivedObjects::text(const Place& place, const Fields& fields) {
-  if (file_.find(fields, kText) || !file_.find(fields, kBytes)) return plain(Kind::text, "text", place, fields, kText);
-  const Value bytes = plain(Kind::data, "data", place, fields, kBytes);
-  const auto [text, isNew] = textsOfBytes_.try_emplace(bytes.identity(), bytes, Value());
+  if (file_.find(fields, kText) || !file_.find(fields, kBytes)) return valueOf(plain(Kind::text, place, fields, kText));
+  const std::size_t number = plain(Kind::data, place, fields, kBytes).number;
+  const auto [known, isNew] = made_.try_emplace(number);
   if (isNew) {
-    if (!isUtf8(*bytes.ifData())) place.fail(quoted(kBytes) + " is not UTF-8");
-    text->second.second = *bytes.ifData();
+    const std::string_view bytes = file_.contents(file_.object(number));
+    if (!isUtf8(bytes)) place.fail(kBytes, "is not UTF-8");
+    known->second = bytes;
   }
-  return text->second.second;
+  return known->second;
 }
 
 std::size_t ArchivedObjects::field(const Place& place, const Fields& fields, std::string_view name) const {
   const auto number = file_.find(fields, name);
-  if (!number) place.fail(quoted(name) + " is missing");
+  if (!number) place.fail(name, "is missing");
   return *number;
 }
 
 // A field of a known class, in place or by reference.
-Value ArchivedObjects::plain(Kind kind, const char* kindName, const Place& place, const Fields& fields,
-                             std::string_view name) {
+ArchivedObjects::Plain ArchivedObjects::plain(Kind kind, const Place& place, const Fields& fields,
+                                              std::string_view name) const {
   const Part found = part(place, field(place, fields, name));
   const bool isReferred = found.referred && found.number > 0;
   const std::size_t number = isReferred ? listed(found.number) : found.number;
   const Kind itsKind = found.referred && !isReferred ? Kind::uid : file_.object(number).kind();
   if (itsKind != kind && !(kind == Kind::real && itsKind == Kind::integer)) {
-    place.fail(quoted(name) + " is no " + kindName);
+    place.fail(name, kind == Kind::text ? "is no text" : kind == Kind::data ? "is no data" : "is no number");
   }
-  return values_.of(number, isReferred && file_.isSharedByUids(found.number));
+  return {.number = number, .isKept = isReferred && file_.isSharedByUids(found.number)};
 }
 
 double ArchivedObjects::seconds(const Place& place, const Fields& fields) {
-  const Value time = plain(Kind::real, "number", place, fields, kTime);
+  const Value time = valueOf(plain(Kind::real, place, fields, kTime));
   return time.ifInteger() ? asDouble(*time.ifInteger()) : time.ifReal()->value;
 }
 
 // As its class has it.
 Value ArchivedObjects::fieldName(std::size_t number, const Value& name) {
   if (!name.ifText()->starts_with("$$") || !takesOneMoreDollar(*name.ifText())) return name;
-  const auto [made, isNew] = namesWithoutDollar_.try_emplace(number);
+  const auto [made, isNew] = made_.try_emplace(number);
   if (isNew) made->second = name.ifText()->substr(1);
   return made->second;
 }
@@ -173,26 +174,25 @@ ArchivedObject ArchivedObjects::container(const Place& place, std::size_t contai
 }
 
 // Looked into once, however many objects are of it.
-const ArchivedObjects::Class& ArchivedObjects::classOf(const Place& place, const Fields& fields) {
+std::string_view ArchivedObjects::classOf(const Place& place, const Fields& fields) {
   const std::size_t number = reference(place, kClass, field(place, fields, kClass)).number;
-  if (const auto known = classes_.find(number); known != classes_.end()) return known->second;
+  const std::size_t its = listed(number);
+  if (const auto known = made_.find(its); known != made_.end()) return *known->second.ifText();
   const Place there{.object = number, .knownClass = {}};
-  const Fields itsFields = file_.object(listed(number));
-  if (itsFields.kind() != Kind::map) {
-    there.fail("no class, but the " + quoted(kClass) + " of object " + std::to_string(place.object));
-  }
+  const Fields itsFields = file_.object(its);
+  if (itsFields.kind() != Kind::map) there.fail("no class, but the \"$class\" of object #", {place.object});
   look(there, itsFields.count);
   const std::size_t name = field(there, itsFields, kClassName);
-  if (file_.object(name).kind() != Kind::text) there.fail(quoted(kClassName) + " is no text");
+  if (file_.object(name).kind() != Kind::text) there.fail(kClassName, "is no text");
   const Value text = values_.of(name);
-  if (text.ifText()->empty()) there.fail(quoted(kClassName) + " is empty");
-  return classes_.emplace(number, Class{.name = text, .form = formOf(*text.ifText())}).first->second;
+  if (text.ifText()->empty()) there.fail(kClassName, "is empty");
+  return *made_.try_emplace(its, text).first->second.ifText();
 }
 
 Part ArchivedObjects::reference(const Place& place, std::string_view name, std::size_t number) const {
   const Fields value = file_.object(number);
   if (value.form != property_list::kUid) {
-    place.fail(quoted(name) + " holds a plain value where a reference belongs");
+    place.fail(name, "holds a plain value where a reference belongs");
   }
   return referred(place, value);
 }
@@ -209,7 +209,7 @@ Part ArchivedObjects::part(const Place& place, std::size_t number) const {
 Part ArchivedObjects::referred(const Place& place, const Fields& uid) const {
   const std::uint64_t index = file_.uid(uid);
   if (index >= list_.count) {
-    place.fail("it refers to object " + std::to_string(index) + " of " + std::to_string(list_.count));
+    place.fail("it refers to object # of #", {index, list_.count});
   }
   return {.number = static_cast<std::uint32_t>(index), .referred = true};
 }
@@ -217,7 +217,7 @@ Part ArchivedObjects::referred(const Place& place, const Fields& uid) const {
 std::string_view ArchivedObjects::addItems(const Place& place, const Fields& fields, std::string_view name,
                                            std::vector<Part>& parts) {
   const Fields items = file_.object(field(place, fields, name));
-  if (items.kind() != Kind::list) place.fail(quoted(name) + " is no list");
+  if (items.kind() != Kind::list) place.fail(name, "is no list");
   if (name == kItems) look(place, items.count);
   for (std::size_t i = 0; i < items.count; ++i) parts.push_back(reference(place, name, file_.part(items, i)));
   return file_.contents(items);

@@ -9,7 +9,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <map>
+#include <initializer_list>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -30,7 +30,9 @@ struct Place {
   std::size_t object = 0;
   std::string_view knownClass;  // "" for others, whose names may be of any length
 
-  [[noreturn]] void fail(const std::string& what) const;
+  // With numbers in place of each "#", and what has a name.
+  [[noreturn]] void fail(std::string_view pattern, std::initializer_list<std::uint64_t> numbers = {}) const;
+  [[noreturn]] void fail(std::string_view word, std::string_view what) const;
 };
 
 // What an object is made of: an object of the archive when it is `referred` to, or what stands in place, an object of
@@ -68,11 +70,6 @@ class ArchivedObjects {
   void copy(const Place& place, std::size_t bytes);
 
  private:
-  struct Class {
-    Value name;
-    Form form = Form::object;
-  };
-
   // The fields of the last object of a named class, by the references to their names.
   struct Names {
     std::string_view references;
@@ -85,11 +82,16 @@ class ArchivedObjects {
   [[nodiscard]] Value text(const Place& place, const Fields& fields);
   [[nodiscard]] std::size_t field(const Place& place, const Fields& fields, std::string_view name) const;
   [[nodiscard]] std::size_t listed(std::size_t number) const { return file_.part(list_, number); }
-  [[nodiscard]] Value plain(Value::Kind kind, const char* kindName, const Place& place, const Fields& fields,
-                            std::string_view name);
+  // A plain object, by its number, and whether it may be asked for again.
+  struct Plain {
+    std::size_t number = 0;
+    bool isKept = false;
+  };
+  [[nodiscard]] Plain plain(Value::Kind kind, const Place& place, const Fields& fields, std::string_view name) const;
+  [[nodiscard]] Value valueOf(const Plain& plain) { return values_.of(plain.number, plain.isKept); }
   [[nodiscard]] double seconds(const Place& place, const Fields& fields);
   [[nodiscard]] Value fieldName(std::size_t number, const Value& name);
-  [[nodiscard]] const Class& classOf(const Place& place, const Fields& fields);
+  [[nodiscard]] std::string_view classOf(const Place& place, const Fields& fields);
   [[nodiscard]] Part reference(const Place& place, std::string_view name, std::size_t number) const;
   [[nodiscard]] Part part(const Place& place, std::size_t number) const;
   [[nodiscard]] Part referred(const Place& place, const Fields& uid) const;
@@ -103,10 +105,9 @@ class ArchivedObjects {
   const std::size_t archiveSize_;
   std::size_t looked_ = 0;
   std::size_t copied_ = 0;
-  std::map<std::size_t, Class> classes_;
-  std::unordered_map<const void*, std::pair<Value, Value>> textsOfBytes_;  // with the bytes, by their identity
-  std::unordered_map<std::size_t, Value> namesWithoutDollar_;              // by the names' numbers
-  ValueNumbers names_;                                                     // of fields
+  // By the number of what each was made of: names of classes, texts of bytes, names of fields without their dollar.
+  std::unordered_map<std::size_t, Value> made_;
+  ValueNumbers names_;  // of fields
   Names lastNames_;
 };
 

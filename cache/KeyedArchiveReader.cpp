@@ -1,7 +1,6 @@
 #include <algorithm>
-#include <concepts>
 #include <cstdint>
-#include <deque>
+#include <initializer_list>
 #include <iterator>
 #include <unordered_map>
 #include <utility>
@@ -10,6 +9,7 @@
 #include "cache/ArchivedObjects.h"
 #include "cache/KeyedArchive.h"
 #include "cache/KeyedArchiveFormat.h"
+#include "common/Numbered.h"
 #include "common/PropertyList.h"
 #include "common/PropertyListObjects.h"
 #include "common/PropertyListValues.h"
@@ -43,7 +43,7 @@ class Reader {
 
   // An object whose parts are being decoded.
   struct Frame {
-    Node* node = nullptr;  // where to keep it, if at all
+    std::size_t node = 0;  // where to keep it, if at all
     ArchivedObject object;
     std::size_t nextPart = 0;
     std::size_t firstPart = 0;
@@ -59,13 +59,12 @@ class Reader {
 
   void enter(const Place& from, Part part);
   void close();
-  static void keep(Node* node, const Value& value, std::uint16_t height);
+  void keep(std::size_t node, const Value& value, std::uint16_t height);
   void add(Value value, std::uint16_t height);
-  [[nodiscard]] Node* nodeOf(Part part);
+  [[nodiscard]] std::size_t nodeOf(Part part);
   [[nodiscard]] Value assembled(const Frame& frame);
   [[nodiscard]] Value map(const Frame& frame);
-  template <class Entries>
-  [[nodiscard]] Entries entries(const Frame& frame);
+  [[nodiscard]] std::vector<ValueMap::Entry> entries(const Frame& frame);
   [[nodiscard]] bool hasLastKeys(const ArchivedObject& object) const {
     return !object.keys.empty() && object.keys == lastKeys_.references;
   }
@@ -78,9 +77,10 @@ class Reader {
   std::vector<Frame> frames_;
   std::vector<Part> parts_;  // of all frames
   ValueList whole_;          // parts of all frames
-  std::deque<Node> nodes_;
-  std::vector<std::uint32_t> kept_;                  // which node an object has, counted from one
-  std::unordered_map<std::uint32_t, Node> inPlace_;  // containers in fields, by their number in the property list
+  // Which node an object has, and which one a container in a field, by its number in the property list; from one.
+  std::vector<Node> nodes_;
+  std::vector<std::size_t> kept_;
+  std::unordered_map<std::size_t, std::size_t> inPlace_;
   ValueNumbers keys_;
   Keys lastKeys_;
 };
@@ -102,8 +102,9 @@ Value Reader::decode(std::size_t number) {
 void Reader::enter(const Place& from, Part part) {
   if (part.referred && part.number == 0) return add(nothing_, 0);
   if (!part.referred && !file_.object(part.number).isContainer()) return add(values_.of(part.number), 0);
-  Node* const node = nodeOf(part);
-  if (node && node->state == State::whole) return add(node->value, node->height);
+  const std::size_t node = nodeOf(part);
+  const State state = node == 0 ? State::unread : nodes_[node - 1].state;
+  if (state == State::whole) return add(nodes_[node - 1].value, nodes_[node - 1].height);
   Frame frame{.node = node,
               .object = {},
               .nextPart = parts_.size(),
@@ -112,13 +113,13 @@ void Reader::enter(const Place& from, Part part) {
               .height = 0};
   frame.object =
       part.referred ? objects_.object(part.number, parts_, whole_) : objects_.container(from, part.number, parts_);
-  if (node && node->state == State::begun) frame.object.place.fail("it contains itself");
+  if (state == State::begun) frame.object.place.fail("it contains itself");
   if (frame.object.whole) {
     keep(node, *frame.object.whole, 0);
     return add(*std::move(frame.object.whole), 0);
   }
   if (frames_.size() == property_list::kDeepest) frame.object.place.fail("nested too deep");
-  if (node) node->state = State::begun;
+  if (node != 0) nodes_[node - 1].state = State::begun;
   if (hasLastKeys(frame.object)) {
     whole_.insert(whole_.end(), lastKeys_.keys.begin(), lastKeys_.keys.end());
     frame.nextPart += lastKeys_.keys.size();
@@ -139,8 +140,8 @@ void Reader::close() {
   add(std::move(value), height);
 }
 
-void Reader::keep(Node* node, const Value& value, std::uint16_t height) {
-  if (node) *node = {.value = value, .height = height, .state = State::whole};
+void Reader::keep(std::size_t node, const Value& value, std::uint16_t height) {
+  if (node != 0) nodes_[node - 1] = {.value = value, .height = height, .state = State::whole};
 }
 
 void Reader::add(Value value, std::uint16_t height) {
@@ -148,16 +149,15 @@ void Reader::add(Value value, std::uint16_t height) {
   if (!frames_.empty()) frames_.back().height = std::max(frames_.back().height, height);
 }
 
-// nullptr for what only one way leads to.
-Reader::Node* Reader::nodeOf(Part part) {
-  if (!part.referred) return file_.isShared(part.number) ? &inPlace_[part.number] : nullptr;
-  if (!file_.isSharedByUids(part.number)) return nullptr;
-  std::uint32_t& node = kept_[part.number];
+// Zero for what only one way leads to.
+std::size_t Reader::nodeOf(Part part) {
+  if (!(part.referred ? file_.isSharedByUids(part.number) : file_.isShared(part.number))) return 0;
+  std::size_t& node = part.referred ? kept_[part.number] : inPlace_[part.number];
   if (node == 0) {
     nodes_.emplace_back();
-    node = static_cast<std::uint32_t>(nodes_.size());
+    node = nodes_.size();
   }
-  return &nodes_[node - 1];
+  return node;
 }
 
 Value Reader::assembled(const Frame& frame) {
@@ -169,15 +169,16 @@ Value Reader::assembled(const Frame& frame) {
     case Form::map: return map(frame);
     default: break;
   }
-  return Value::object({.className = std::string(frame.object.className), .fields = entries<ValueMap>(frame)});
+  return Value::object(
+      {.className = std::string(frame.object.className), .fields = ValueMap::ofDistinct(entries(frame))});
 }
 
 // Entries of keys that are known to be different, and of others.
 Value Reader::map(const Frame& frame) {
-  if (hasLastKeys(frame.object)) return Value::map(entries<ValueMap>(frame));
+  if (hasLastKeys(frame.object)) return Value::map(ValueMap::ofDistinct(entries(frame)));
   const std::size_t count = (whole_.size() - frame.firstValue) / 2;
-  ValueMap map(entries<std::vector<ValueMap::Entry>>(frame), keys_);
-  const bool areTexts = std::all_of(map.begin(), map.end(), [](const auto& entry) { return entry.first.ifText(); });
+  ValueMap map(entries(frame), keys_);
+  const bool areTexts = std::all_of(map.begin(), map.end(), [](const auto& entry) { return entry.first.isText(); });
   if (map.size() == count && areTexts && !frame.object.keys.empty()) {
     lastKeys_ = {.references = frame.object.keys, .keys = {}};
     lastKeys_.keys.reserve(count);
@@ -186,19 +187,12 @@ Value Reader::map(const Frame& frame) {
   return Value::map(std::move(map));
 }
 
-template <class Entries>
-Entries Reader::entries(const Frame& frame) {
+std::vector<ValueMap::Entry> Reader::entries(const Frame& frame) {
   const std::size_t count = (whole_.size() - frame.firstValue) / 2;
   Value* const keys = whole_.data() + frame.firstValue;
-  Entries entries;
+  std::vector<ValueMap::Entry> entries;
   entries.reserve(count);
-  for (std::size_t i = 0; i < count; ++i) {
-    if constexpr (std::same_as<Entries, ValueMap>) {
-      entries.append(std::move(keys[i]), std::move(keys[count + i]));
-    } else {
-      entries.emplace_back(std::move(keys[i]), std::move(keys[count + i]));
-    }
-  }
+  for (std::size_t i = 0; i < count; ++i) entries.emplace_back(std::move(keys[i]), std::move(keys[count + i]));
   return entries;
 }
 
@@ -206,14 +200,15 @@ Value Reader::url(const Frame& frame) {
   const Value& base = whole_[frame.firstValue];
   const Value& text = whole_[frame.firstValue + 1];
   const Place& place = frame.object.place;
-  if (!base.ifUid() && !base.ifUrl()) place.fail("\"NS.base\" is no URL");
-  if (!text.ifText()) place.fail("\"NS.relative\" is no text");
+  if (!base.ifUid() && !base.ifUrl()) place.fail(kBase, "is no URL");
+  if (!text.isText()) place.fail(kRelative, "is no text");
   objects_.copy(place, text.ifText()->size());
-  return Value::url({.text = *text.ifText(), .base = base.ifUrl() ? std::optional(base) : std::nullopt});
+  return Value::url({.text = std::string(*text.ifText()), .base = base.ifUrl() ? std::optional(base) : std::nullopt});
 }
 
-[[noreturn]] void fail(std::string_view word, const std::string& what) {
-  throw ArchiveError(std::string(1, '"').append(word).append("\" ").append(what));
+[[noreturn]] void fail(std::string_view word, std::string_view pattern,
+                       std::initializer_list<std::uint64_t> numbers = {}) {
+  throw ArchiveError(std::string(1, '"').append(word).append("\" ").append(numbered(pattern, numbers)));
 }
 
 std::size_t entry(const Objects& file, const Objects::Object& archive, std::string_view word) {
@@ -226,7 +221,7 @@ std::size_t entry(const Objects& file, const Objects::Object& archive, std::stri
 Objects::Object objectsOf(const Objects& file, Values& values, const Objects::Object& archive) {
   const std::size_t version = entry(file, archive, kVersion);
   if (file.object(version).isContainer() || values.of(version) != Value(kFormatVersion)) {
-    fail(kVersion, "is not " + std::to_string(kFormatVersion) + ", the only one that is read");
+    fail(kVersion, "is not #, the only one that is read", {kFormatVersion});
   }
   const Objects::Object objects = file.object(entry(file, archive, kObjects));
   if (objects.kind() != Value::Kind::list) fail(kObjects, "is no list");
@@ -241,11 +236,11 @@ std::size_t rootOf(const Value& topValue, std::size_t objectCount) {
   if (!top) fail(kTop, "is no map");
   const Value* root = top->find(kRoot);
   if (!root && top->size() == 1) root = &top->begin()->second;
-  if (!root) fail(kTop, "has " + std::to_string(top->size()) + " entries and none is \"root\"");
+  if (!root) fail(kTop, "has # entries and none is \"root\"", {top->size()});
   const Uid* const uid = root->ifUid();
   if (!uid) fail(kTop, "holds a plain value where a reference to the root belongs");
   if (uid->index >= objectCount) {
-    fail(kTop, "refers to object " + std::to_string(uid->index) + " of " + std::to_string(objectCount));
+    fail(kTop, "refers to object # of #", {uid->index, objectCount});
   }
   return static_cast<std::size_t>(uid->index);
 }
@@ -254,8 +249,7 @@ std::size_t rootOf(const Value& topValue, std::size_t objectCount) {
 
 std::optional<Value> decode(std::string_view bytes) {
   if (bytes.size() > kLargestArchive) {
-    throw ArchiveError(std::to_string(bytes.size()) + " bytes; an archive of more than " +
-                       std::to_string(kLargestArchive) + " is not read");
+    throw ArchiveError(numbered("# bytes; an archive of more than # is not read", {bytes.size(), kLargestArchive}));
   }
   Objects file(bytes);
   if (!file.check()) throw ArchiveError(file.takeError());

@@ -18,7 +18,7 @@ namespace {
 using Kind = Value::Kind;
 
 // A text that a property list can hold as one.
-bool isWritable(const std::string& text) {
+bool isWritable(std::string_view text) {
   const auto isAscii = [](char byte) { return (byte & 0x80) == 0; };
   return std::all_of(text.begin(), text.end(), isAscii) || property_list::toUtf16(text);
 }
@@ -67,9 +67,10 @@ class Writer {
   void addReferences(Draft& draft, std::string_view name, const Parts& parts, PartOf partOf);
   void addUrl(Draft& draft, const ValueUrl& url);
   void addCustom(Draft& draft, const ValueObject& object);
-  [[nodiscard]] const Value& fieldName(const Value& name);
+  [[nodiscard]] Value fieldName(const Value& name);
+  [[nodiscard]] Value written(const Value& name) const;
   [[nodiscard]] Value classNamed(const std::string& name);
-  void check(const std::string& text, const char* what) const;
+  void check(std::string_view text, const char* what) const;
 
   ValueList objects_;
   std::vector<std::size_t> heights_;
@@ -96,7 +97,7 @@ std::size_t Writer::add(const Value& value, std::size_t depth) {
   }
   const void* const identity = value.identity();
   if (const auto known = byIdentity_.find(identity); known != byIdentity_.end()) return known->second;
-  const bool container = identity && !value.ifText() && !value.ifData();
+  const bool container = identity && !value.isText() && !value.isData();
   const std::size_t number = container ? addUnshared(value, depth) : addPlain(value);
   if (identity) byIdentity_.emplace(identity, number);
   return number;
@@ -175,14 +176,19 @@ void Writer::addCustom(Draft& draft, const ValueObject& object) {
   }
 }
 
-// As it stands in the archive; looked into once, however many objects have it.
-const Value& Writer::fieldName(const Value& name) {
-  if (!name.ifText()) fail("a field's name is no text");
+// As it stands in the archive; a long one is looked into once, however many objects have it.
+Value Writer::fieldName(const Value& name) {
+  if (!name.isText()) fail("a field's name is no text");
+  if (!name.identity()) return written(name);
   const auto [made, isNew] = fieldNames_.try_emplace(name.identity(), name);
-  if (!isNew) return made->second;
-  check(*name.ifText(), "a field's name");
-  if (takesOneMoreDollar(*name.ifText())) made->second = "$" + *name.ifText();
+  if (isNew) made->second = written(name);
   return made->second;
+}
+
+Value Writer::written(const Value& name) const {
+  const std::string_view text = *name.ifText();
+  check(text, "a field's name");
+  return takesOneMoreDollar(text) ? Value(std::string(1, '$').append(text)) : name;
 }
 
 Value Writer::classNamed(const std::string& name) {
@@ -194,7 +200,7 @@ Value Writer::classNamed(const std::string& name) {
   return Uid{.index = known->second};
 }
 
-void Writer::check(const std::string& text, const char* what) const {
+void Writer::check(std::string_view text, const char* what) const {
   if (!isWritable(text)) fail(std::string(what) + " is not UTF-8");
 }
 

@@ -44,7 +44,7 @@ std::uint64_t textRank(std::string_view text) {
 std::size_t commonLength(const std::vector<const Value*>& texts) {
   std::string_view common = texts.empty() ? std::string_view() : *texts.front()->ifText();
   for (const Value* const each : texts) {
-    const std::string& text = *each->ifText();
+    const std::string_view text = *each->ifText();
     common = {common.begin(), std::mismatch(common.begin(), common.end(), text.begin(), text.end()).first};
   }
   return common.size();
@@ -60,7 +60,7 @@ std::uint64_t dateRank(double seconds) {
 // Long texts could be made to cost: each is compared more than once.
 bool isShortText(const Value* startDate) {
   constexpr std::size_t kShort = 64;
-  const std::string* const text = startDate ? startDate->ifText() : nullptr;
+  const auto text = startDate ? startDate->ifText() : std::nullopt;
   return text && text->size() <= kShort;
 }
 

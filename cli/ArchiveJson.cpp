@@ -91,7 +91,7 @@ class Emitter {
 };
 
 bool isPlainKey(const Value& key) {
-  const std::string* const text = key.ifText();
+  const auto text = key.ifText();
   return text && !text->starts_with('$') && isUtf8(*text);
 }
 
@@ -135,7 +135,7 @@ class Writer {
     writeForm(key, [&] { out_.put('"' + hexadecimalBytes(bytes) + '"'); });
   }
 
-  void writeText(const std::string& text) {
+  void writeText(std::string_view text) {
     if (isUtf8(text)) return out_.put(toJson(text));
     writeHexadecimal("$text", text);
   }

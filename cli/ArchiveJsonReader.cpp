@@ -168,7 +168,7 @@ class Reader {
 
   // A text, or the form of one that is no UTF-8.
   std::string textOf(const JsonNode& node) {
-    if (node.kind == Kind::text) return *node.scalar.ifText();
+    if (node.kind == Kind::text) return std::string(*node.scalar.ifText());
     if (node.kind == Kind::object && node.members.size() == 1 && node.members.front().key == "$text") {
       return hexadecimalOf(node.members.front().value);
     }

@@ -39,7 +39,7 @@ std::string joined(const Contract& contract, const std::vector<ExplainedPair>& p
   std::string text;
   for (const auto& [pair, raw, sent] : pairs) {
     if (contract.form == Form::appended || !text.empty()) text += '&';
-    text += std::string(pair->key) + "=" + *sent.ifText();
+    text.append(pair->key).append("=").append(*sent.ifText());
   }
   return text;
 }

@@ -96,9 +96,9 @@ Finding examineDatabase(const Patient& patient) {
     const auto database = patient.place.openExistingDatabase();
     if (!database) return ok("there is none yet: no tracker records, no counters");
     const auto rows = database->run("PRAGMA integrity_check(1)");
-    const std::string* const answer = rows.empty() || rows.front().empty() ? nullptr : rows.front().front().ifText();
+    const auto answer = rows.empty() || rows.front().empty() ? std::nullopt : rows.front().front().ifText();
     if (answer && *answer == "ok") return ok("the tracker records and counters are sound");
-    return broken("the database is damaged: " + (answer ? *answer : "it gives no answer"),
+    return broken(std::string("the database is damaged: ").append(answer.value_or("it gives no answer")),
                   "move it away, and a new one is made");
   } catch (const host::DatabaseError& error) {
     return brokenAsTold(error.what(), ": ");

@@ -58,7 +58,7 @@ void JsonReader::readObject(const JsonNode& node, const std::string& path, std::
 Text JsonReader::textOf(const JsonNode& node, const std::string& path) const {
   if (node.kind == Kind::null) return std::nullopt;
   if (node.kind != Kind::text) failKind(node, path, "a text or null");
-  return *node.scalar.ifText();
+  return std::string(*node.scalar.ifText());
 }
 
 }  // namespace tavlo::cli

@@ -82,7 +82,7 @@ void answerLines(const KeptPosition& position, const std::vector<LocationStep>& 
   run.output.answerLine("position  " + shown(position.latitude) + ", " + shown(position.longitude));
   run.output.answerLine("address   " + shown(position.address));
   for (const auto& [pair, raw, sent] : sentPairs()) {
-    run.output.answerLine("sent      " + std::string(pair->key) + "=" + *sent.ifText());
+    run.output.answerLine(std::string("sent      ").append(pair->key).append("=").append(*sent.ifText()));
   }
   if (steps.empty()) return;
   run.output.answerLine("");

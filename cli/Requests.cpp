@@ -39,7 +39,7 @@ Cell rawCell(const ExplainedPair& explained) {
 }
 
 Cell sentCell(const Value& sent) {
-  const std::string* const text = sent.ifText();
+  const auto text = sent.ifText();
   return {.text = text ? quoted(*text) : harmless(toJson(sent))};
 }
 

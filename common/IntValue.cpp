@@ -45,7 +45,7 @@ std::int32_t intValue(std::string_view text) {
 
 std::int32_t intValue(const std::optional<Value>& value) {
   if (!value) return 0;
-  if (const std::string* text = value->ifText()) return intValue(std::string_view(*text));
+  if (const auto text = value->ifText()) return intValue(*text);
   if (const Integer* integer = value->ifInteger()) return low32(integer->low);
   if (const Real* real = value->ifReal()) return truncated(real->value);
   if (const bool* boolean = value->ifBoolean()) return *boolean ? 1 : 0;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "common/Numbered.h"
 #include "common/PropertyList.h"
 
 namespace tavlo::property_list {
@@ -65,11 +66,21 @@ bool Objects::check() {
   return true;
 }
 
+bool Objects::fail(std::string_view pattern, std::initializer_list<std::uint64_t> numbers) {
+  error_ = numbered(pattern, numbers);
+  return false;
+}
+
+bool Objects::fail(std::size_t number, const Object& object, std::string_view pattern, std::uint64_t last) {
+  error_ = numbered("object # at byte #: ", {number, object.begin}).append(numbered(pattern, {last}));
+  return false;
+}
+
 bool Objects::readTrailer() {
   if (isXml(bytes_)) return fail("an XML property list; only the binary form is read");
   if (!bytes_.starts_with(kMagic)) return fail("no property list: it does not begin with \"bplist\"");
   if (bytes_.size() < kHeader.size() + kTrailerSize) {
-    return fail(std::to_string(bytes_.size()) + " bytes are too few for a header and a trailer");
+    return fail("# bytes are too few for a header and a trailer", {bytes_.size()});
   }
   if (!bytes_.starts_with(kHeader)) return fail("byte 6: a binary property list of another version than 00");
   const std::string_view trailer = bytes_.substr(end());
@@ -79,16 +90,13 @@ bool Objects::readTrailer() {
   const std::uint64_t top = bigEndian(trailer.substr(16, 8));
   const std::uint64_t table = bigEndian(trailer.substr(24, 8));
 
-  const auto trailerFails = [&](const std::string& what) {
-    return fail("trailer at byte " + std::to_string(end()) + ": " + what);
-  };
-  if (offsetSize_ < 1 || offsetSize_ > 8) return trailerFails("offset size " + std::to_string(offsetSize_));
+  if (offsetSize_ < 1 || offsetSize_ > 8) return fail("trailer at byte #: offset size #", {end(), offsetSize_});
   if (referenceSize_ < 1 || referenceSize_ > 8) {
-    return trailerFails("reference size " + std::to_string(referenceSize_));
+    return fail("trailer at byte #: reference size #", {end(), referenceSize_});
   }
-  if (table < kHeader.size() || table > end()) return trailerFails("offset table at byte " + std::to_string(table));
-  if (count > (end() - table) / offsetSize_) return trailerFails("no room for " + std::to_string(count) + " offsets");
-  if (top >= count) return trailerFails("top object " + std::to_string(top) + " of " + std::to_string(count));
+  if (table < kHeader.size() || table > end()) return fail("trailer at byte #: offset table at byte #", {end(), table});
+  if (count > (end() - table) / offsetSize_) return fail("trailer at byte #: no room for # offsets", {end(), count});
+  if (top >= count) return fail("trailer at byte #: top object # of #", {end(), top, count});
   top_ = static_cast<std::size_t>(top);
   table_ = static_cast<std::size_t>(table);
   notes_.resize(static_cast<std::size_t>(count));
@@ -98,11 +106,11 @@ bool Objects::readTrailer() {
 // Looks at what has no parts at once, and puts a container on the frames. Where it is called frames_ may grow.
 bool Objects::enter(std::uint64_t any) {
   if (any >= notes_.size()) {
-    return fail(frames_.back().number, frames_.back().object, "it refers to object " + std::to_string(any));
+    return fail(frames_.back().number, frames_.back().object, "it refers to object #", any);
   }
   const auto number = static_cast<std::size_t>(any);
   const Note height = notes_[number] & kHeight;
-  if (height == kBegun) return fail("object " + std::to_string(number) + ": it contains itself");
+  if (height == kBegun) return fail("object #: it contains itself", {number});
   if (height != 0) {
     frames_.back().height = std::max(frames_.back().height, height);
     meetAgain(number);
@@ -153,13 +161,13 @@ bool Objects::locate(std::size_t number, Object& object) {
   const std::uint64_t begin = offset(number);
   const std::size_t tableEnd = table_ + (notes_.size() * offsetSize_);
   if (begin < kHeader.size() || (begin >= table_ && begin < tableEnd) || begin >= end()) {
-    return fail("object " + std::to_string(number) + ": no object begins at byte " + std::to_string(begin));
+    return fail("object #: no object begins at byte #", {number, begin});
   }
   object.begin = static_cast<std::size_t>(begin);
   switch (shape(object)) {
     case Flaw::none: break;
     case Flaw::unknownMarker:
-      return fail(number, object, "unknown marker " + std::to_string(static_cast<unsigned char>(bytes_[object.begin])));
+      return fail(number, object, "unknown marker #", static_cast<unsigned char>(bytes_[object.begin]));
     case Flaw::lengthIsNoInteger: return fail(number, object, "its length is no integer");
     case Flaw::lengthReachesBeyond: return fail(number, object, "its length reaches beyond the end");
   }
@@ -215,7 +223,7 @@ bool Objects::isAscii(std::size_t number, const Object& object) {
   const auto* const other = std::find_if(text.begin(), text.end(), [](char byte) { return (byte & 0x80) != 0; });
   if (other == text.end()) return true;
   const std::size_t at = object.contents + static_cast<std::size_t>(other - text.begin());
-  return fail(number, object, "byte " + std::to_string(at) + " of its text is not ASCII");
+  return fail(number, object, "byte # of its text is not ASCII", at);
 }
 
 }  // namespace tavlo::property_list

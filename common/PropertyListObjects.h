@@ -11,6 +11,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -106,13 +107,9 @@ class Objects {
     Note height = 0;  // the greatest of the parts', as noted
   };
 
-  bool fail(std::string what) {
-    error_ = std::move(what);
-    return false;
-  }
-  bool fail(std::size_t number, const Object& object, const std::string& what) {
-    return fail("object " + std::to_string(number) + " at byte " + std::to_string(object.begin) + ": " + what);
-  }
+  // Patterns with numbers in place of "#".
+  bool fail(std::string_view pattern, std::initializer_list<std::uint64_t> numbers = {});
+  bool fail(std::size_t number, const Object& object, std::string_view pattern, std::uint64_t last = 0);
 
   [[nodiscard]] std::uint64_t reference(const Object& object, std::size_t index) const {
     return bigEndian({bytes_.data() + object.contents + (index * referenceSize_), referenceSize_});

@@ -37,7 +37,7 @@ Value Values::made(const Objects::Object& object) {
     case kReal: return realOf(contents);
     case kDate: return Date{.seconds = std::bit_cast<double>(bigEndian(contents))};
     case kUid: return Uid{.index = bigEndian(contents)};
-    case kData: return Value::data(std::string(contents));
+    case kData: return Value::data(contents);
     case kAscii: return contents;
     case kUtf16: return fromUtf16(contents);
     case kList: return Value::list(items(object));
@@ -61,16 +61,16 @@ ValueList Values::items(const Objects::Object& object) {
 
 std::vector<Values::Entry> Values::entries(const Objects::Object& map) {
   std::vector<Entry> entries;
-  std::unordered_map<std::size_t, std::size_t> places;
+  ValuePlaces places(keys_);
   entries.reserve(map.count);
   for (std::size_t i = 0; i < map.count; ++i) {
     const std::size_t key = objects_.part(map, i);
     const std::size_t value = objects_.part(map, map.count + i);
-    const auto [place, isNew] = places.try_emplace(keys_.of(of(key)), entries.size());
-    if (isNew) {
+    const std::size_t place = places.of(of(key), entries.size());
+    if (place == entries.size()) {
       entries.emplace_back(key, value);
     } else {
-      entries[place->second].second = value;
+      entries[place].second = value;
     }
   }
   return entries;

@@ -49,12 +49,12 @@ void appendReal(std::string& out, const Real& real) {
   appendBigEndian(out, narrow ? *narrow : std::bit_cast<std::uint64_t>(real.value), narrow ? 4 : 8);
 }
 
-void appendData(std::string& out, const std::string& bytes) {
+void appendData(std::string& out, std::string_view bytes) {
   appendLength(out, kData, bytes.size());
   out += bytes;
 }
 
-void appendText(std::string& out, const std::string& text) {
+void appendText(std::string& out, std::string_view text) {
   if (std::all_of(text.begin(), text.end(), [](char byte) { return (byte & 0x80) == 0; })) {
     appendLength(out, kAscii, text.size());
     out += text;

@@ -17,7 +17,7 @@ constexpr std::string_view kNotAText = "md5:() Invalid string for passed for has
 
 Text TavloUtility::md5(const std::optional<Value>& value) {
   if (!value) return std::nullopt;
-  const std::string* const text = value->ifText();
+  const auto text = value->ifText();
   if (!text) {
     TavloException::tavloException(kNotAText);
     return std::nullopt;

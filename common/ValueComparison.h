@@ -11,7 +11,7 @@
 
 #include <compare>
 #include <cstddef>
-#include <string>
+#include <string_view>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -32,7 +32,7 @@ class ValueComparison {
     std::size_t operator()(const Pair& pair) const;
   };
 
-  Order compareBytes(const Value& a, const Value& b, const std::string& bytesA, const std::string& bytesB);
+  Order compareBytes(const Value& a, const Value& b, std::string_view bytesA, std::string_view bytesB);
   template <class Compare>
   Order compareOnce(const Value& a, const Value& b, Compare compareThem);
   const void* representative(const void* contents);
@@ -41,13 +41,21 @@ class ValueComparison {
   Order compareUrls(const ValueUrl& a, const ValueUrl& b);
   Order compareMaps(const ValueMap& a, const ValueMap& b);
   Order compareSets(const ValueList& a, const ValueList& b);
-  [[nodiscard]] const std::vector<const Value*>& sortedItems(const ValueList& set);
-  [[nodiscard]] const std::vector<const ValueMap::Entry*>& sortedEntries(const ValueMap& map);
+
+  // An entry of a map, or an item of a set, which has no value.
+  struct Entry {
+    const Value* key = nullptr;
+    const Value* value = nullptr;
+  };
+  using Entries = std::vector<Entry>;
+  Order compareEntries(const Entries& a, const Entries& b);
+  [[nodiscard]] const Entries& sortedItems(const ValueList& set);
+  [[nodiscard]] const Entries& sortedEntries(const ValueMap& map);
+  void sort(Entries& entries);
 
   std::unordered_map<const void*, const void*> equal_;
   std::unordered_map<Pair, Order, PairHash> different_;
-  std::unordered_map<const ValueList*, std::vector<const Value*>> sortedItems_;
-  std::unordered_map<const ValueMap*, std::vector<const ValueMap::Entry*>> sortedEntries_;
+  std::unordered_map<const void*, Entries> sorted_;
 };
 
 }  // namespace tavlo

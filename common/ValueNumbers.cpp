@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstdint>
+#include <vector>
 
 namespace tavlo {
 namespace {
@@ -10,19 +11,18 @@ namespace {
 using Kind = Value::Kind;
 
 // Fixed width, so that joined words stay apart.
-std::string joined(std::initializer_list<std::uint64_t> words) {
-  std::string bytes;
-  for (const std::uint64_t word : words) {
-    for (unsigned shift = 0; shift < 64; shift += 8) bytes.push_back(static_cast<char>(word >> shift));
-  }
-  return bytes;
+void append(std::string& contents, std::uint64_t word) {
+  for (unsigned shift = 0; shift < 64; shift += 8) contents.push_back(static_cast<char>(word >> shift));
 }
 
-std::string joinedInAnyOrder(std::vector<std::string> parts) {
-  std::sort(parts.begin(), parts.end());
-  std::string bytes;
-  for (const std::string& part : parts) bytes += part;
-  return bytes;
+// By a heap, which is half the code of std::sort().
+void appendInAnyOrder(std::string& contents, std::vector<std::pair<std::size_t, std::size_t>> pairs) {
+  std::make_heap(pairs.begin(), pairs.end());
+  std::sort_heap(pairs.begin(), pairs.end());
+  for (const auto& [first, second] : pairs) {
+    append(contents, first);
+    append(contents, second);
+  }
 }
 
 }  // namespace
@@ -36,48 +36,65 @@ std::size_t ValueNumbers::of(const Value& value) {
   return number;
 }
 
+std::size_t ValuePlaces::of(const Value& key, std::size_t next) {
+  return places_.try_emplace(numbers_.of(key), next).first->second;
+}
+
 std::string ValueNumbers::contentsOf(const Value& value) {
-  std::string kind(1, static_cast<char>(value.kind()));
+  std::string contents(1, static_cast<char>(value.kind()));
   switch (value.kind()) {
-    case Kind::null: return kind;
-    case Kind::boolean: return kind + joined({*value.ifBoolean() ? 1U : 0U});
+    case Kind::null: break;
+    case Kind::boolean: append(contents, *value.ifBoolean() ? 1 : 0); break;
     case Kind::integer:
-      return kind + joined({static_cast<std::uint64_t>(value.ifInteger()->high), value.ifInteger()->low});
+      append(contents, static_cast<std::uint64_t>(value.ifInteger()->high));
+      append(contents, value.ifInteger()->low);
+      break;
     case Kind::real:
-      return kind + joined({std::bit_cast<std::uint64_t>(value.ifReal()->value), value.ifReal()->narrow ? 1U : 0U});
-    case Kind::date: return kind + joined({std::bit_cast<std::uint64_t>(value.ifDate()->seconds)});
-    case Kind::text: return kind + *value.ifText();
-    case Kind::data: return kind + *value.ifData();
-    case Kind::uid: return kind + joined({value.ifUid()->index});
-    case Kind::list: return kind + numbersOf(*value.ifList());
-    case Kind::set: {
-      std::vector<std::string> items;
-      for (const Value& item : *value.ifSet()) items.push_back(joined({of(item)}));
-      return kind + joinedInAnyOrder(std::move(items));
-    }
-    case Kind::map: return kind + numbersOf(*value.ifMap());
+      append(contents, std::bit_cast<std::uint64_t>(value.ifReal()->value));
+      append(contents, value.ifReal()->narrow ? 1 : 0);
+      break;
+    case Kind::date: append(contents, std::bit_cast<std::uint64_t>(value.ifDate()->seconds)); break;
+    case Kind::text: contents += *value.ifText(); break;
+    case Kind::data: contents += *value.ifData(); break;
+    case Kind::uid: append(contents, value.ifUid()->index); break;
+    case Kind::list:
+      for (const Value& item : *value.ifList()) append(contents, of(item));
+      break;
+    case Kind::set: appendSet(contents, *value.ifSet()); break;
+    case Kind::map: appendMap(contents, *value.ifMap()); break;
     case Kind::url: {
       const ValueUrl& url = *value.ifUrl();
-      return kind + (url.base ? joined({1, of(*url.base)}) : joined({0})) + url.text;
+      append(contents, url.base ? 1 : 0);
+      if (url.base) append(contents, of(*url.base));
+      contents += url.text;
+      break;
     }
-    case Kind::object: break;
+    case Kind::object: {
+      const ValueObject& object = *value.ifObject();
+      append(contents, object.className.size());
+      contents += object.className;
+      appendMap(contents, object.fields);
+      break;
+    }
   }
-  const ValueObject& object = *value.ifObject();
-  return std::string(1, static_cast<char>(Kind::object)) + joined({object.className.size()}) + object.className +
-         numbersOf(object.fields);
+  return contents;
 }
 
-std::string ValueNumbers::numbersOf(const ValueList& items) {
-  std::string numbers;
-  for (const Value& item : items) numbers += joined({of(item)});
-  return numbers;
+void ValueNumbers::appendSet(std::string& contents, const ValueList& items) {
+  std::vector<std::pair<std::size_t, std::size_t>> numbers;
+  numbers.reserve(items.size());
+  for (const Value& item : items) numbers.emplace_back(of(item), 0);
+  appendInAnyOrder(contents, std::move(numbers));
 }
 
-std::string ValueNumbers::numbersOf(const ValueMap& entries) {
-  std::vector<std::string> pairs;
-  pairs.reserve(entries.size());
-  for (const auto& [key, value] : entries) pairs.push_back(joined({of(key), of(value)}));
-  return joinedInAnyOrder(std::move(pairs));
+void ValueNumbers::appendMap(std::string& contents, const ValueMap& entries) {
+  std::vector<std::pair<std::size_t, std::size_t>> numbers;
+  numbers.reserve(entries.size());
+  for (const auto& [key, value] : entries) {
+    const std::size_t keyNumber = of(key);
+    numbers.emplace_back(keyNumber, of(value));
+  }
+  appendInAnyOrder(contents, std::move(numbers));
 }
 
 }  // namespace tavlo

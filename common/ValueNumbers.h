@@ -25,12 +25,25 @@ class ValueNumbers {
 
  private:
   [[nodiscard]] std::string contentsOf(const Value& value);
-  [[nodiscard]] std::string numbersOf(const ValueList& items);
-  [[nodiscard]] std::string numbersOf(const ValueMap& entries);
+  void appendSet(std::string& contents, const ValueList& items);
+  void appendMap(std::string& contents, const ValueMap& entries);
 
   std::unordered_map<const void*, std::pair<Value, std::size_t>> byIdentity_;
   // By kind and contents, parts being numbers. No hash table: contents may be chosen to collide in one.
   std::map<std::string, std::size_t> byContents_;
+};
+
+// Where each key of a map stands: of equal ones, where the first one does.
+class ValuePlaces {
+ public:
+  explicit ValuePlaces(ValueNumbers& numbers) : numbers_(numbers) {}
+
+  // `next` for a key that is new, which stands there from then on.
+  [[nodiscard]] std::size_t of(const Value& key, std::size_t next);
+
+ private:
+  ValueNumbers& numbers_;
+  std::unordered_map<std::size_t, std::size_t> places_;
 };
 
 }  // namespace tavlo

@@ -106,11 +106,11 @@ int bind(sqlite3_stmt* statement, int index, const Value& value) {
       if (std::isnan(value.ifReal()->value)) throw std::invalid_argument("a real that is no number cannot be stored");
       return sqlite3_bind_double(statement, index, value.ifReal()->value);
     case Value::Kind::text: {
-      const std::string& text = *value.ifText();
+      const std::string_view text = *value.ifText();
       return sqlite3_bind_text64(statement, index, text.data(), text.size(), SQLITE_STATIC, SQLITE_UTF8);
     }
     case Value::Kind::data: {
-      const std::string& bytes = *value.ifData();
+      const std::string_view bytes = *value.ifData();
       return sqlite3_bind_blob64(statement, index, bytes.data(), bytes.size(), SQLITE_STATIC);
     }
     default: throw std::invalid_argument("a value that is neither a number nor a text nor data cannot be stored");

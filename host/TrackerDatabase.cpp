@@ -31,7 +31,7 @@ class Detail final : public NetworkTrackerDetail {
 };
 
 void requireTextOrNumber(const char* name, const Value& value) {
-  if (value.ifText() != nullptr) return;
+  if (value.isText()) return;
   if (const Integer* const integer = value.ifInteger(); integer != nullptr && integer->fitsSigned()) return;
   if (const Real* const real = value.ifReal(); real != nullptr && !std::isnan(real->value)) return;
   throw std::invalid_argument(std::string("addEvent: the ") + name + " must be a text or a number of 64 bits");

@@ -78,7 +78,7 @@ std::string renderQuery(const Contract& contract, const TavloPackage* package) {
 ValueList keysOf(const Contract& contract) {
   ValueList keys;
   keys.reserve(contract.pairs.size());
-  for (const Pair& row : contract.pairs) keys.emplace_back(row.key);
+  for (const Pair& row : contract.pairs) keys.push_back(Value::literal(row.key));
   return keys;
 }
 
@@ -94,7 +94,8 @@ ValueMap renderMap(const Contract& contract, const ValueList& keys, const TavloP
       continue;
     }
     writeValue(text, row, sources);
-    map.append(keys[i], text.take());
+    map.append(keys[i], text.view());
+    text.clear();
   }
   return map;
 }

@@ -31,6 +31,17 @@ std::string TextWriter::take() {
   return std::exchange(flushed_, {});
 }
 
+std::string_view TextWriter::view() {
+  if (flushed_.empty()) return {buffer_.data(), end_};
+  flush();
+  return flushed_;
+}
+
+void TextWriter::clear() {
+  flushed_.clear();
+  end_ = buffer_.data();
+}
+
 void TextWriter::flush() { flushed_.append(buffer_.data(), std::exchange(end_, buffer_.data())); }
 
 void TextWriter::appendLong(std::string_view text) {

@@ -46,6 +46,9 @@ class TextWriter {
 
   // What was written. The writer is empty then.
   [[nodiscard]] std::string take();
+  // What was written, until more is or it is cleared.
+  [[nodiscard]] std::string_view view();
+  void clear();
 
  private:
   [[nodiscard]] std::size_t room() const { return static_cast<std::size_t>(buffer_.data() + kRoom - end_); }

@@ -7,19 +7,8 @@
 namespace tavlo {
 namespace {
 
-// The keys of all entries, shared by them. Never destroyed: a thread may still build a payload when main is left.
-struct Keys {
-  Value networkID = "network_id";
-  Value event = "event";
-  Value count = "count";
-};
-const Keys& keys() {
-  static const auto* const keys = new Keys;
-  return *keys;
-}
-
-void setPresent(ValueMap& map, const Value& key, std::optional<Value> value) {
-  if (value) map.append(key, *std::move(value));
+void setPresent(ValueMap& map, std::string_view key, std::optional<Value> value) {
+  if (value) map.append(Value::literal(key), *std::move(value));
 }
 
 // Each value is read anew where it is used: for the log, for the test, for the payload. A record that is
@@ -41,9 +30,9 @@ void visit(const NetworkTrackerDetail* record, platform::Console& console, Value
   if (intValue(read(&Detail::count)) <= 0) return;
   ValueMap map;
   map.reserve(3);
-  setPresent(map, keys().networkID, read(&Detail::networkID));
-  setPresent(map, keys().event, read(&Detail::event));
-  setPresent(map, keys().count, read(&Detail::count));
+  setPresent(map, "network_id", read(&Detail::networkID));
+  setPresent(map, "event", read(&Detail::event));
+  setPresent(map, "count", read(&Detail::count));
   kept.push_back(Value::map(std::move(map)));
 }
 

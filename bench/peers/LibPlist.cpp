@@ -195,9 +195,9 @@ class Table {
   Table() { add(plist_new_string("$null")); }
 
   [[nodiscard]] std::uint64_t plain(const Value& value) {
-    if (const std::string* const text = value.ifText()) {
+    if (const auto text = value.ifText()) {
       const auto [known, isNew] = texts_.try_emplace(*text, count_);
-      if (isNew) add(plist_new_string(text->c_str()));
+      if (isNew) add(plist_new_string(terminated_.assign(*text).c_str()));
       return known->second;
     }
     if (const Integer* const integer = value.ifInteger()) {
@@ -257,6 +257,7 @@ class Table {
   plist_t objects_ = plist_new_array();
   std::uint64_t count_ = 0;
   std::unordered_map<std::string_view, std::uint64_t> texts_;
+  std::string terminated_;
   std::unordered_map<std::uint64_t, std::uint64_t> integers_;
   std::unordered_map<bool, std::uint64_t> truths_;
   std::unordered_map<double, std::uint64_t> dates_;

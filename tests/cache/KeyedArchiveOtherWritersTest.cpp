@@ -38,7 +38,7 @@ std::string writtenNames(const Value& object) {
   const Value list = property_list::decode(encode(object)).value.value();
   std::string names;
   for (const auto& [name, value] : *(*list.ifMap()->find("$objects")->ifList())[1].ifMap()) {
-    names += *name.ifText() + " ";
+    names.append(*name.ifText()).append(" ");
   }
   return names;
 }

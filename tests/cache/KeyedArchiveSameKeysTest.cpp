@@ -20,7 +20,7 @@ Value decoded(const std::string& bytes) { return decodeArchive(bytes).value(); }
 // Of fields in this order.
 std::vector<std::string> names(const Value& object) {
   std::vector<std::string> names;
-  for (const auto& [name, value] : object.ifObject()->fields) names.push_back(*name.ifText());
+  for (const auto& [name, value] : object.ifObject()->fields) names.emplace_back(*name.ifText());
   return names;
 }
 

@@ -15,6 +15,9 @@ using test::archiveError;
 using test::decodeArchive;
 using test::RawArchive;
 
+// Short texts lie in each value that is one.
+constexpr const char* kText = "a text of more than 22 bytes";
+
 Value decoded(const std::string& bytes) { return decodeArchive(bytes).value(); }
 
 const Value& item(const Value& list, std::size_t index) { return list.ifList()->at(index); }
@@ -30,7 +33,7 @@ Value twoMaps(RawArchive& raw, RawArchive::Number firstValue, RawArchive::Number
   const auto root = raw.array(8, raw.uids({2, 3}));
   const auto first = raw.dictionary(9, raw.uids({4}), raw.list({firstValue}));
   const auto second = raw.dictionary(9, raw.uids({5}), raw.list({secondValue}));
-  return decoded(raw.bytes({root, first, second, raw.ascii("a"), raw.ascii("b"), raw.ascii("value"), raw.ascii("value"),
+  return decoded(raw.bytes({root, first, second, raw.ascii("a"), raw.ascii("b"), raw.ascii(kText), raw.ascii(kText),
                             raw.classObject("NSArray"), raw.classObject("NSDictionary")}));
 }
 
@@ -40,7 +43,7 @@ TEST(KeyedArchiveSharing, TextOfTwoMapsIsOneThroughOneReference) {
 
   const Value root = twoMaps(raw, reference, reference);
 
-  EXPECT_EQ(under(item(root, 0), "a"), Value("value"));
+  EXPECT_EQ(under(item(root, 0), "a"), Value(kText));
   EXPECT_EQ(under(item(root, 0), "a").identity(), under(item(root, 1), "b").identity());
 }
 
@@ -73,21 +76,21 @@ TEST(KeyedArchiveSharing, ContainerOfTwoMapsIsOne) {
   const auto shared = raw.array(6, raw.uids({4}));
 
   const Value list = decoded(raw.bytes(
-      {root, first, second, raw.ascii("k"), shared, raw.classObject("NSArray"), raw.classObject("NSDictionary")}));
+      {root, first, second, raw.ascii(kText), shared, raw.classObject("NSArray"), raw.classObject("NSDictionary")}));
 
-  EXPECT_EQ(under(item(list, 0), "k"), Value::list({"k"}));
-  EXPECT_EQ(under(item(list, 0), "k").identity(), under(item(list, 1), "k").identity());
-  EXPECT_EQ(item(under(item(list, 0), "k"), 0).identity(), onlyKey(item(list, 1)).identity());
+  EXPECT_EQ(under(item(list, 0), kText), Value::list({kText}));
+  EXPECT_EQ(under(item(list, 0), kText).identity(), under(item(list, 1), kText).identity());
+  EXPECT_EQ(item(under(item(list, 0), kText), 0).identity(), onlyKey(item(list, 1)).identity());
 }
 
 TEST(KeyedArchiveSharing, KeyThatIsItsOwnValueIsOne) {
   RawArchive raw;
   const auto root = raw.dictionary(3, raw.uids({2}), raw.uids({2}));
 
-  const Value map = decoded(raw.bytes({root, raw.ascii("k"), raw.classObject("NSDictionary")}));
+  const Value map = decoded(raw.bytes({root, raw.ascii(kText), raw.classObject("NSDictionary")}));
 
-  EXPECT_EQ(map, Value::map({{"k", "k"}}));
-  EXPECT_EQ(onlyKey(map).identity(), under(map, "k").identity());
+  EXPECT_EQ(map, Value::map({{kText, kText}}));
+  EXPECT_EQ(onlyKey(map).identity(), under(map, kText).identity());
 }
 
 // Equal lists of references to keys, of which one map's are taken for the other's.
@@ -98,8 +101,8 @@ TEST(KeyedArchiveSharing, KeyOfTwoMapsIsOne) {
   const auto first = raw.dictionary(7, raw.list({key}), raw.uids({5}));
   const auto second = raw.dictionary(7, raw.list({key}), raw.uids({5}));
 
-  const Value list = decoded(raw.bytes({root, first, second, raw.ascii("k"), raw.ascii("v"), raw.classObject("NSArray"),
-                                        raw.classObject("NSDictionary")}));
+  const Value list = decoded(raw.bytes({root, first, second, raw.ascii(kText), raw.ascii("v"),
+                                        raw.classObject("NSArray"), raw.classObject("NSDictionary")}));
 
   EXPECT_EQ(onlyKey(item(list, 0)).identity(), onlyKey(item(list, 1)).identity());
   EXPECT_EQ(onlyKey(item(list, 0)).identity(), item(list, 2).identity());
@@ -108,18 +111,18 @@ TEST(KeyedArchiveSharing, KeyOfTwoMapsIsOne) {
 // The text stands in a list in a field, and is an object of the archive besides.
 TEST(KeyedArchiveSharing, TextThatStandsInPlaceAndIsReferredToIsOne) {
   RawArchive raw;
-  const auto text = raw.ascii("text");
+  const auto text = raw.ascii(kText);
   const auto root = raw.object(3, {{raw.ascii("list"), raw.list({text})}, {raw.ascii("uid"), raw.uid(2)}});
 
   const Value object = decoded(raw.bytes({root, text, raw.classObject("Ad")}));
 
-  EXPECT_EQ(under(object, "uid"), Value("text"));
+  EXPECT_EQ(under(object, "uid"), Value(kText));
   EXPECT_EQ(item(under(object, "list"), 0).identity(), under(object, "uid").identity());
 }
 
 TEST(KeyedArchiveSharing, TextsAndContainersInTwoFieldsAreOneWhenTheFileHasThemOnce) {
   RawArchive raw;
-  const auto text = raw.ascii("text");
+  const auto text = raw.ascii(kText);
   const auto list = raw.list({raw.ascii("item")});
   const auto equalList = raw.list({raw.ascii("item")});
   const auto root = raw.object(2, {{raw.ascii("a"), text},
@@ -138,12 +141,12 @@ TEST(KeyedArchiveSharing, TextsAndContainersInTwoFieldsAreOneWhenTheFileHasThemO
 
 TEST(KeyedArchiveSharing, OneTextUnderTwoIndicesIsOne) {
   RawArchive raw;
-  const auto text = raw.ascii("text");
+  const auto text = raw.ascii(kText);
   const auto root = raw.array(4, raw.uids({2, 3}));
 
   const Value list = decoded(raw.bytes({root, text, text, raw.classObject("NSArray")}));
 
-  EXPECT_EQ(item(list, 0), Value("text"));
+  EXPECT_EQ(item(list, 0), Value(kText));
   EXPECT_EQ(item(list, 0).identity(), item(list, 1).identity());
 }
 
@@ -155,9 +158,9 @@ TEST(KeyedArchiveSharing, TextThatAnObjectOfATextRefersToIsOne) {
   const auto second = raw.object(6, {{raw.ascii("NS.string"), raw.uid(4)}});
 
   const Value list = decoded(
-      raw.bytes({root, first, second, raw.ascii("text"), raw.classObject("NSArray"), raw.classObject("NSString")}));
+      raw.bytes({root, first, second, raw.ascii(kText), raw.classObject("NSArray"), raw.classObject("NSString")}));
 
-  EXPECT_EQ(list, Value::list({"text", "text", "text"}));
+  EXPECT_EQ(list, Value::list({kText, kText, kText}));
   EXPECT_EQ(item(list, 0).identity(), item(list, 1).identity());
   EXPECT_EQ(item(list, 0).identity(), item(list, 2).identity());
 }
@@ -170,9 +173,9 @@ TEST(KeyedArchiveSharing, OneListOfReferencesUnderTwoObjectsLeadsToTheSameObject
   const auto second = raw.array(6, references);
   const auto empty = raw.array(6, raw.list({}));
 
-  const Value list = decoded(raw.bytes({root, first, second, raw.ascii("text"), empty, raw.classObject("NSArray")}));
+  const Value list = decoded(raw.bytes({root, first, second, raw.ascii(kText), empty, raw.classObject("NSArray")}));
 
-  EXPECT_EQ(item(list, 1), Value::list({"text", Value::list({})}));
+  EXPECT_EQ(item(list, 1), Value::list({kText, Value::list({})}));
   EXPECT_EQ(item(item(list, 0), 0).identity(), item(item(list, 1), 0).identity());
   EXPECT_EQ(item(item(list, 0), 1).identity(), item(item(list, 1), 1).identity());
 }
@@ -192,33 +195,33 @@ TEST(KeyedArchiveSharing, CircleThroughAListOfAnotherObjectIsSeenAtOnce) {
 TEST(KeyedArchiveSharing, OneObjectUnderTwoIndicesIsTwoWithTheSameContents) {
   RawArchive raw;
   const auto root = raw.array(4, raw.uids({2, 3}));
-  const auto object = raw.object(5, {{raw.ascii("text"), raw.ascii("x")},
+  const auto object = raw.object(5, {{raw.ascii(kText), raw.ascii(kText)},
                                      {raw.ascii("list"), raw.list({raw.ascii("y")})},
                                      {raw.ascii("uid"), raw.uid(6)}});
 
-  const Value list = decoded(
-      raw.bytes({root, object, object, raw.classObject("NSArray"), raw.classObject("Ad"), raw.ascii("referred")}));
+  const Value list =
+      decoded(raw.bytes({root, object, object, raw.classObject("NSArray"), raw.classObject("Ad"), raw.ascii(kText)}));
 
   const Value& first = item(list, 0);
   const Value& second = item(list, 1);
   EXPECT_NE(first.identity(), second.identity());
-  EXPECT_EQ(under(first, "text").identity(), under(second, "text").identity());
+  EXPECT_EQ(under(first, kText).identity(), under(second, kText).identity());
   EXPECT_EQ(under(first, "list").identity(), under(second, "list").identity());
   EXPECT_EQ(under(first, "uid").identity(), under(second, "uid").identity());
-  EXPECT_EQ(under(second, "uid"), Value("referred"));
+  EXPECT_EQ(under(second, "uid"), Value(kText));
 }
 
 // More objects in the archive than in the file: 200 are one text.
 TEST(KeyedArchiveSharing, IndicesBeyondTheFilesObjectsAreReadAsAnyOther) {
   RawArchive raw;
-  const auto text = raw.ascii("text");
+  const auto text = raw.ascii(kText);
   const auto root = raw.array(2, raw.uids({199, 200, 199}));
   RawArchive::Numbers objects = {root, raw.classObject("NSArray")};
   objects.resize(200, text);
 
   const Value list = decoded(raw.bytes(objects));
 
-  EXPECT_EQ(list, Value::list({"text", "text", "text"}));
+  EXPECT_EQ(list, Value::list({kText, kText, kText}));
   EXPECT_EQ(item(list, 0).identity(), item(list, 1).identity());
   EXPECT_EQ(item(list, 0).identity(), item(list, 2).identity());
 }

@@ -77,7 +77,7 @@ TEST(KeyedArchive, ObjectOfAnyOtherClassKeepsItsFieldsInOrder) {
   ASSERT_NE(value.ifObject(), nullptr);
   EXPECT_EQ(value.ifObject()->className, "AdRecord");
   std::string order;
-  for (const auto& [name, field] : value.ifObject()->fields) order += *name.ifText() + " ";
+  for (const auto& [name, field] : value.ifObject()->fields) order.append(*name.ifText()).append(" ");
   EXPECT_EQ(order, "b a nothing $0 ");
   EXPECT_EQ(value, Value::object({.className = "AdRecord",
                                   .fields = {{"b", 1}, {"a", "three"}, {"nothing", uid(0)}, {"$0", true}}}));

@@ -19,7 +19,7 @@ std::string ids(const ValueList& records) {
   std::string out;
   for (const Value& each : records) {
     const ValueMap* const fields = each.ifObject() ? &each.ifObject()->fields : each.ifMap();
-    out += fields ? *fields->find("id")->ifText() : each.ifText() ? *each.ifText() : "?";
+    out += fields ? *fields->find("id")->ifText() : each.ifText().value_or("?");
   }
   return out;
 }

@@ -65,7 +65,7 @@ TEST(WireContractTest, ExplainedPairsAddUpToTheRequest) {
     std::string text;
     for (const ExplainedPair& explained : explainRequest(contract)) {
       if (contract.form == Form::appended || !text.empty()) text += '&';
-      text += std::string(explained.pair->key) + '=' + *explained.sent.ifText();
+      text.append(explained.pair->key).append("=").append(*explained.sent.ifText());
     }
     EXPECT_EQ(text, requestText(contract));
   }

@@ -56,7 +56,11 @@ struct RawPropertyList {
 };
 
 // A text of at most 14 characters.
-inline std::string asciiObject(const std::string& text) { return static_cast<char>(0x50U + text.size()) + text; }
+// Of less than 128 bytes.
+inline std::string asciiObject(const std::string& text) {
+  const auto size = static_cast<char>(text.size());
+  return (size < 15 ? std::string(1, static_cast<char>(0x50 + size)) : std::string("\x5F\x10") + size) + text;
+}
 
 inline RawPropertyList rawList(std::vector<std::string> objects) {
   RawPropertyList list;

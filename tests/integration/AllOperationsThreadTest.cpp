@@ -88,7 +88,7 @@ void askForThePayload(Caller&) {
   const Value payload = TavloUtility::trackerNetworkSessionData();
   EXPECT_EQ(payload.ifMap()->size(), 35U);
   for (const auto& [key, value] : *payload.ifMap()) {
-    if (const std::string* const text = value.ifText()) {
+    if (const auto text = value.ifText()) {
       EXPECT_TRUE(isKnown(decoded(*text)) || isNumber(*text)) << *text;
     } else {
       EXPECT_EQ(value.ifList()->size(), 2U);

@@ -67,7 +67,7 @@ bool isNumber(std::string_view text) {
 void expectWholePayload(const Value& payload) {
   EXPECT_EQ(payload.ifMap()->size(), 35U);
   for (const auto& [key, value] : *payload.ifMap()) {
-    if (const std::string* const text = value.ifText()) {
+    if (const auto text = value.ifText()) {
       EXPECT_TRUE(isNumber(*text) || *text == "4.1.0" || *text == "(null)" || isWhole(*text)) << *text;
     } else {
       EXPECT_EQ(value.ifList()->size(), 2U);

@@ -57,6 +57,38 @@ TEST(AllocationTest, AQueryIsBuiltInOneBufferWithoutATextForEachPair) {
   }
 }
 
+// Short texts, keys and numbers lie in the values themselves; what is left are the map, its entries and the list.
+TEST(AllocationTest, ATrackerPayloadOfShortValuesIsThreeAllocations) {
+  TavloPackage::install(std::make_shared<ShortPackage>());
+  static_cast<void>(TavloUtility::trackerNetworkSessionData());  // slots are made on first use
+  const int before = allocations;
+
+  const Value payload = TavloUtility::trackerNetworkSessionData();
+
+  EXPECT_EQ(allocations - before, 3);
+  EXPECT_EQ(payload.ifMap()->size(), 35U);
+}
+
+TEST(AllocationTest, ALongTextIsOneAllocationAndAShortOneALiteralACopyOrAMoveNone) {
+  const std::string text(100, 'x');
+  const auto allocationsOf = [](auto make) {
+    const int before = allocations;
+    const Value value = make();
+    return allocations - before;
+  };
+  const Value kept(text);
+
+  EXPECT_EQ(allocationsOf([&] { return Value(text); }), 1);
+  EXPECT_EQ(allocationsOf([&] { return Value::data(text); }), 1);
+  EXPECT_EQ(allocationsOf([&] { return Value(text.substr(0, 15)); }), 0);
+  EXPECT_EQ(allocationsOf([&] { return Value(std::string_view(text).substr(0, 22)); }), 0);
+  EXPECT_EQ(allocationsOf([&] { return Value(std::string_view(text).substr(0, 23)); }), 1);
+  EXPECT_EQ(allocationsOf([&] { return Value::literal(text); }), 0);
+  EXPECT_EQ(allocationsOf([&] { return kept; }), 0);
+  EXPECT_EQ(allocationsOf([] { return Value(7); }), 0);
+  EXPECT_EQ(allocationsOf([] { return Value::list({}); }), 1);
+}
+
 // Every character and every escape counts alike, wherever it stands in a long text.
 TEST(AllocationTest, AnEncodedTextIsOneAllocationOfItsSizeAndAShortOneIsNone) {
   const std::string kinds = "azAZ09-._~ /:@[`{,^\x7F\x80\xDF\xFF%";

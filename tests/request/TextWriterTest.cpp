@@ -75,5 +75,23 @@ TEST(TextWriterTest, TextsOfManyTimesItsRoomAreWhole) {
   EXPECT_EQ(writer.take(), "a" + plain + "b" + plain + "c" + escapes);
 }
 
+TEST(TextWriterTest, AViewIsWhatWasWrittenSinceTheWriterWasCleared) {
+  const std::string plain(2 * kRoom, 'p');
+  TextWriter writer;
+
+  EXPECT_EQ(writer.view(), "");
+  writer.append("short");
+  EXPECT_EQ(writer.view(), "short");
+  writer.append(plain);
+  EXPECT_EQ(writer.view(), "short" + plain);
+  writer.append("more");
+  EXPECT_EQ(writer.view(), "short" + plain + "more");
+  writer.clear();
+  EXPECT_TRUE(writer.empty());
+  EXPECT_EQ(writer.view(), "");
+  writer.append("after");
+  EXPECT_EQ(writer.take(), "after");
+}
+
 }  // namespace
 }  // namespace tavlo

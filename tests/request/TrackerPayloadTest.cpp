@@ -150,7 +150,7 @@ TEST_F(TrackerPayload, ReadsEachSourceOnceInOrder) {
 TEST_F(TrackerPayload, KeepsItsEntriesInTheOrderOfTheContract) {
   const Value map = payload();
   std::vector<std::string> keys;
-  for (const auto& [key, value] : *map.ifMap()) keys.push_back(*key.ifText());
+  for (const auto& [key, value] : *map.ifMap()) keys.emplace_back(*key.ifText());
 
   EXPECT_THAT(keys, ElementsAre("Key", "resolution", "preroll", "offerids", "appId", "os_version", "app_version",
                                 "device_id", "Page", "token", "timestamp", "app_bundle_name", "sdk_version",

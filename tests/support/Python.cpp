@@ -31,7 +31,7 @@ std::string runOracle(const std::string& script, const std::vector<std::string>&
   return readFile(folder / "out");
 }
 
-std::string toHex(const std::string& bytes) {
+std::string toHex(std::string_view bytes) {
   constexpr char kDigits[] = "0123456789abcdef";
   std::string hex;
   hex.reserve(bytes.size() * 2);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tavlo::test {
@@ -12,7 +13,7 @@ namespace tavlo::test {
                                     const std::string& input = "");
 
 // Bytes to and from lowercase hexadecimal, for lines that may hold any byte.
-[[nodiscard]] std::string toHex(const std::string& bytes);
+[[nodiscard]] std::string toHex(std::string_view bytes);
 [[nodiscard]] std::string fromHex(const std::string& hex);
 
 [[nodiscard]] std::vector<std::string> splitLines(const std::string& text);

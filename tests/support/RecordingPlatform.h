@@ -80,7 +80,7 @@ class RecordingPlatform final : public platform::Platform {
       return store_.objectForKey(key);
     }
     void setObjectForKey(const Value& value, std::string_view key) override {
-      const std::string* const text = value.ifText();
+      const auto text = value.ifText();
       calls_.add("setObject:" + (text ? quoted(*text) : "(another kind)") + " forKey:" + quoted(key));
       store_.setObjectForKey(value, key);
     }

@@ -256,7 +256,7 @@ TEST(SettingsOfManyThreads, ReadersSeeWholeValuesAndWritersAreAllAcknowledged) {
     threads.emplace_back([&] {
       for (int i = 0; i < 50; ++i) {
         const std::optional<Value> value = defaults.objectForKey("k");
-        const std::string* const text = value ? value->ifText() : nullptr;
+        const auto text = value ? value->ifText() : std::nullopt;
         if (!text || *text != std::string(100, text->front())) ++torn;
       }
     });
