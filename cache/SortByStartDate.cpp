@@ -4,6 +4,7 @@
 #include <array>
 #include <bit>
 #include <cmath>
+#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -113,15 +114,21 @@ ValueList sortedByStartDate(const ValueList& records) {
   const auto isBefore = [&](const Ranked& left, const Ranked& right) {
     const Value* const a = dates[left.place];
     const Value* const b = dates[right.place];
-    if (areTexts) return *a->ifText() < *b->ifText();
-    if (!a || !b) return !a && b;
-    return comparison.compare(*a, *b) < 0;
+    std::strong_ordering sides = std::strong_ordering::equal;
+    if (areTexts) {
+      sides = *a->ifText() <=> *b->ifText();
+    } else if (!a || !b) {
+      sides = (a != nullptr) <=> (b != nullptr);
+    } else {
+      sides = comparison.compare(*a, *b);
+    }
+    return sides != 0 ? sides < 0 : left.place < right.place;
   };
   for (auto run = order.begin(); !areDates && run != order.end();) {
     const auto end = areTexts
                          ? std::find_if(run, order.end(), [=](const Ranked& each) { return each.rank != run->rank; })
                          : order.end();
-    if (end - run > 1) std::stable_sort(run, end, isBefore);
+    if (end - run > 1) std::sort(run, end, isBefore);
     run = end;
   }
 
