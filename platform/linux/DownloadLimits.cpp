@@ -1,5 +1,6 @@
 #include "platform/linux/DownloadLimits.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <stdexcept>
@@ -22,6 +23,7 @@ constexpr std::uint64_t number(Number value) {
 }
 
 constexpr std::uint64_t kDay = number(std::chrono::milliseconds(std::chrono::hours(24)).count());
+constexpr std::uint64_t kLargestBody = std::min(std::uint64_t{1} << 40U, std::uint64_t{SIZE_MAX / 2});
 
 }  // namespace
 
@@ -30,7 +32,7 @@ void check(const DownloadLimits& limits) {
       {"connect", number(limits.connect.count()), 1, kDay, " ms"},
       {"stall", number(limits.stall.count()), 1, kDay, " ms"},
       {"total", number(limits.total.count()), 1, kDay, " ms"},
-      {"body", number(limits.body), 1, std::uint64_t{1} << 40U, " bytes"},
+      {"body", number(limits.body), 1, kLargestBody, " bytes"},
       {"responseHead", number(limits.responseHead), 1, std::uint64_t{64} << 20U, " bytes"},
       {"redirects", number(limits.redirects), 0, 100, ""},
       {"workers", number(limits.workers), 1, 64, ""},

@@ -1,7 +1,8 @@
 // DownloadLimits: how far a download may go before it counts as failed.
 //
-// Values   sizes are in bytes. A time runs from 1 ms to a day, `body` from 1 to 1 TiB, `responseHead` from 1 to
-//          64 MiB, `redirects` from 0 (none is followed) to 100, `workers` from 1 to 64.
+// Values   sizes are in bytes. A time runs from 1 ms to a day, `body` from 1 to 1 TiB (on a 32-bit processor to 2 GiB
+//          less a byte), `responseHead` from 1 to 64 MiB, `redirects` from 0 (none is followed) to 100, `workers` from
+//          1 to 64.
 // Throws   std::invalid_argument from check(), naming the first limit that is outside and what it may be.
 #pragma once
 

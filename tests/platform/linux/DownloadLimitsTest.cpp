@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdint>
 #include <stdexcept>
 #include <string>
 
@@ -44,7 +46,10 @@ TEST_P(LimitsOutside, AreAnErrorOfMakeThatNamesThem) {
 }
 
 const std::string kTime = " must be from 1 to 86400000 ms";
-const std::string kBody = "the download limit \"body\" must be from 1 to 1099511627776 bytes";
+// Where sizes have 32 bits, a negative one was within the limit.
+constexpr auto kLargestBody = static_cast<std::size_t>(std::min(std::uint64_t{1} << 40U, std::uint64_t{SIZE_MAX / 2}));
+const std::string kBody = std::string("the download limit \"body\" must be from 1 to ") +
+                          (sizeof(std::size_t) == 4 ? "2147483647" : "1099511627776") + " bytes";
 const std::string kHead = "the download limit \"responseHead\" must be from 1 to 67108864 bytes";
 const std::string kRedirects = "the download limit \"redirects\" must be from 0 to 100";
 const std::string kWorkers = "the download limit \"workers\" must be from 1 to 64";
@@ -73,7 +78,7 @@ TEST(DownloadLimits, AtTheirEndsAreFine) {
   const DownloadLimits highest{.connect = hours(24),
                                .stall = hours(24),
                                .total = hours(24),
-                               .body = std::size_t{1} << 40U,
+                               .body = kLargestBody,
                                .responseHead = std::size_t{64} << 20U,
                                .redirects = 100,
                                .workers = 64};
