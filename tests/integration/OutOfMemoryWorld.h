@@ -112,7 +112,7 @@ class OutOfMemoryWorld {
     std::string line;
     for (const char* const key : {"ApplicationId", "OptionalId", "SecurityKey"}) {
       const Value* const value = root && root->ifMap() ? root->ifMap()->find(key) : nullptr;
-      line += (value && value->ifText() ? *value->ifText() : "?") + " ";
+      line.append(value ? value->ifText().value_or("?") : "?").append(" ");
     }
     return line + temporaries();
   }
