@@ -64,10 +64,12 @@ std::string Integer::decimal() const {
 
 // Contents without owners, by their kind. Where the number of owners stood there is now a pointer to the next of them.
 class Value::Dead {
+  static_assert(sizeof(Owners) == sizeof(const void*) && std::is_trivially_destructible_v<Owners>);
+
  public:
   void add(Kind kind, const void* contents) {
     const void*& first = first_[placeOf(kind)];
-    ownersOf(contents).store(reinterpret_cast<std::uintptr_t>(first), std::memory_order_relaxed);
+    new (&ownersOf(contents)) const void*(first);
     first = contents;
   }
 
@@ -88,7 +90,7 @@ class Value::Dead {
     const void*& first = first_[placeOf(kind)];
     if (!first) return false;
     T* const contents = static_cast<T*>(const_cast<void*>(first));
-    first = reinterpret_cast<const void*>(static_cast<std::uintptr_t>(ownersOf(first).load(std::memory_order_relaxed)));
+    first = *std::launder(reinterpret_cast<const void**>(&ownersOf(first)));
     leaveParts(*contents);
     contents->~T();
     free(contents);
@@ -144,7 +146,10 @@ void Value::leave(Dead& dead) noexcept {
 }
 
 // Room behind the number of owners, which is one.
-void* Value::room(std::size_t size) { return new (::operator new(sizeof(Owners) + size)) Owners(1) + 1; }
+void* Value::room(std::size_t size) {
+  auto* const owners = new (::operator new(sizeof(Owners) + size)) Owners(1);
+  return owners + 1;
+}
 
 void Value::hold(Kind kind, std::uint8_t length, Held held) {
   new (content_.bytes) Held(held);

@@ -205,7 +205,8 @@ TEST(ValueStorageThread, ThreadsCopyReadAndDropTheSameContents) {
         const Value map = (*list.ifList())[1];
         Value text = list.ifList()->front();
         const Value moved = std::move(text);
-        if (moved.ifText()->size() == 100 && map.ifMap()->find("key")->ifData()->size() == 50) ++whole[thread];
+        const bool isWhole = moved.ifText()->size() == 100 && map.ifMap()->find("key")->ifData()->size() == 50;
+        if (isWhole) ++whole[static_cast<std::size_t>(thread)];
       }
     });
   }
