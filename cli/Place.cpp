@@ -38,10 +38,12 @@ Place::Place(const Globals& globals) : quiet_(globals.quiet), container_(locate(
 
 fs::path Place::resources() const {
   std::error_code ignored;
-  fs::path own = container_.folder() / "Resources";
-  if (fs::is_directory(own / kResourceBundleName, ignored)) return own;
-  fs::path besideProgram = fs::read_symlink("/proc/self/exe", ignored).parent_path() / "Resources";
-  return fs::is_directory(besideProgram / kResourceBundleName, ignored) ? besideProgram : own;
+  const fs::path own = container_.folder() / "Resources";
+  const fs::path program = fs::read_symlink("/proc/self/exe", ignored).parent_path();
+  for (const fs::path& folder : {own, program / "Resources", program.parent_path() / "share/tavlo/Resources"}) {
+    if (fs::is_directory(folder / kResourceBundleName, ignored)) return folder;
+  }
+  return own;
 }
 
 std::shared_ptr<platform::Platform> Place::makePlatform(linux_platform::Options outside) const {

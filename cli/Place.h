@@ -25,7 +25,8 @@ class Place {
   [[nodiscard]] std::filesystem::path folder() const { return container_.folder(); }
   [[nodiscard]] std::filesystem::path settingsFile() const { return container_.settingsFile(); }
 
-  // What holds the resource bundle: the container's Resources, or, when that has none, those beside the program.
+  // What holds the resource bundle: the container's Resources, or, when that has none, those beside the
+  // program, or those that are installed with it.
   [[nodiscard]] std::filesystem::path resources() const;
 
   // A platform of the container, as a program that starts anew has it. Of `outside` counts what is no part of a place:

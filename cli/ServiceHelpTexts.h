@@ -22,9 +22,9 @@ inline constexpr const char* kLocateFooter =
 inline constexpr const char* kImage = "Show an image of the player's sound toggle: its size, its file, a preview.";
 inline constexpr const char* kImageFooter =
     "The image is loaded as the SDK does, from TavloSDKResource.bundle in the container's\n"
-    "Resources, or, when there is none, in those beside the program. On a terminal a preview is\n"
-    "drawn, in half blocks with colours, or in characters where there are none. (null): there is no\n"
-    "such image. A file that is there is never overwritten.\n"
+    "Resources, or, when there is none, in those beside the program or installed with it. On a\n"
+    "terminal a preview is drawn, in half blocks with colours, or in characters where there are none.\n"
+    "(null): there is no such image. A file that is there is never overwritten.\n"
     "\n"
     "Example:\n"
     "  tavlo image mute --out mute.png";

@@ -2,6 +2,7 @@
 # rooms, which each room's folder adds its files to.
 include(CheckCXXCompilerFlag)
 include(CheckLinkerFlag)
+include(TavloLibraries)
 find_package(Threads REQUIRED)
 
 set(CMAKE_EXPORT_COMPILE_COMMANDS ${PROJECT_IS_TOP_LEVEL})
@@ -21,12 +22,19 @@ if(TAVLO_SANITIZE)
   target_link_options(tavlo_options INTERFACE -fsanitize=${TAVLO_SANITIZE})
 endif()
 
-# tavlo_library(name sources...): a static library of the project, with the project's root as include folder.
+# tavlo_library(name sources...): a library of the project. Those who link it see the public headers; our own code sees
+# the project's root first, and so all of them. Those that are installed are static or shared, as BUILD_SHARED_LIBS
+# says; what the project keeps to itself is always static.
 function(tavlo_library name)
-  add_library(${name} STATIC ${ARGN})
+  set(kind STATIC)
+  if(BUILD_SHARED_LIBS AND name IN_LIST TAVLO_INSTALLED)
+    set(kind SHARED)
+  endif()
+  add_library(${name} ${kind} ${ARGN})
   target_compile_features(${name} PUBLIC cxx_std_20)
-  set_target_properties(${name} PROPERTIES CXX_EXTENSIONS OFF POSITION_INDEPENDENT_CODE ON)
-  target_include_directories(${name} PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>)
+  set_target_properties(${name} PROPERTIES CXX_EXTENSIONS OFF POSITION_INDEPENDENT_CODE ON DEFINE_SYMBOL ""
+    VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR} INTERFACE $<BUILD_INTERFACE:${TAVLO_PUBLIC_HEADERS}>)
   target_link_libraries(${name} PRIVATE $<BUILD_INTERFACE:tavlo_options>)
 endfunction()
 
@@ -35,6 +43,7 @@ function(tavlo_program name)
   add_executable(${name} ${ARGN})
   target_compile_features(${name} PRIVATE cxx_std_20)
   set_target_properties(${name} PROPERTIES CXX_EXTENSIONS OFF)
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
   target_link_libraries(${name} PRIVATE tavlo_options)
 endfunction()
 
@@ -67,6 +76,9 @@ function(tavlo_harden)
   endforeach()
 endfunction()
 
+set(TAVLO_PUBLIC_HEADERS ${PROJECT_BINARY_DIR}/include/tavlo)
+file(MAKE_DIRECTORY ${TAVLO_PUBLIC_HEADERS})
+set(TAVLO_INSTALLED tavlo_utility tavlo_linux tavlo_host)
 tavlo_library(tavlo_utility)
 target_link_libraries(tavlo_utility PUBLIC Threads::Threads)
 add_library(Tavlo::utility ALIAS tavlo_utility)

@@ -1,0 +1,15 @@
+#include <TavloUtility.h>
+
+#include <cstdio>
+
+#include "common/Text.h"
+#include "common/Value.h"
+#include "platform/Platform.h"
+
+static_assert(OWN_COMMON_TEXT_H + OWN_COMMON_VALUE_H + OWN_PLATFORM_PLATFORM_H == 3);
+
+int main() {
+  int unused;  // the library's warnings are not the consumer's
+  std::puts(tavlo::TavloUtility::md5(tavlo::Value("abc"))->c_str());
+  std::puts(tavlo::TavloUtility::getUserInfoRequestString().c_str());
+}

@@ -1,0 +1,2 @@
+// A header of the project's own that has the same name as one of the library's.
+#define OWN_PLATFORM_PLATFORM_H 1
