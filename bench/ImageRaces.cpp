@@ -62,9 +62,12 @@ peers::Pixels picture(std::size_t side) {
 [[maybe_unused]] Race& addDecoding(Races& races, const std::string& name, const std::string& path) {
   Race& race = races.add("PNG decode", name);
   race.ours([=] { return DecodedImage{linux_platform::PngImages().imageWithContentsOfFile(path)}; });
-  race.peer("libpng, simplified", [=] { return peers::pngRead(path); });
-  race.peer("libpng", [=] { return peers::pngReadInFull(path); });
-  return race.atMost(1.1);
+  if constexpr (peers::kLibPng) {
+    race.peer("libpng, simplified", [=] { return peers::pngRead(path); });
+    race.peer("libpng", [=] { return peers::pngReadInFull(path); });
+    race.atMost(1.1);
+  }
+  return race;
 }
 
 }  // namespace

@@ -39,7 +39,9 @@ std::string answerOf(const SortedMap& map) {
   }
   return answer;
 }
-std::string answerOf(const PairList& list) { return answerOf(SortedMap{{list.entries.begin(), list.entries.end()}}); }
+[[maybe_unused]] std::string answerOf(const PairList& list) {
+  return answerOf(SortedMap{{list.entries.begin(), list.entries.end()}});
+}
 std::string answerOf(const OurMap& map) {
   SortedMap sorted;
   for (const auto& [key, value] : *map.map.ifMap()) {

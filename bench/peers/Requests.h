@@ -95,7 +95,7 @@ class Walk {
     if (!text) {
       write_(row_.key, kAbsent);
     } else if (row_.rendering == Rendering::encoded) {
-      write_(row_.key, boostUrlEncode(*text));
+      if constexpr (kBoostUrl) write_(row_.key, boostUrlEncode(*text));  // without it, no peer walks
     } else {
       write_(row_.key, *std::move(text));
     }
