@@ -169,7 +169,7 @@ void addIdentifiers(Races& races) {
   const std::string where = "on " + fileSystemOf(std::filesystem::temp_directory_path());
   addSet(races, where);
   addGet(races, where);
-  for (const std::size_t keys : {std::size_t{20}, std::size_t{1000}}) addSettingsParse(races, keys);
+  for (const std::size_t keys : {10U, 100U, 1000U}) addSettingsParse(races, keys);
 }
 
 }  // namespace tavlo::bench

@@ -15,8 +15,7 @@
 // setUp        runs once, before the first contestant.
 // prepare      runs untimed before every single call, for work that uses up what it works on.
 // Time         is the calling thread's; the clock on the wall's after wallClock(), for work that waits or has threads,
-// and
-//              after prepare().
+//              and after prepare().
 #pragma once
 
 #include <benchmark/benchmark.h>

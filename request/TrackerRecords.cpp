@@ -12,14 +12,14 @@ void setPresent(ValueMap& map, std::string_view key, std::optional<Value> value)
 }
 
 // Each value is read anew where it is used: for the log, for the test, for the payload. A record that is
-// missing from its list reads as absent throughout.
-void visit(const NetworkTrackerDetail* record, platform::Console& console, ValueList& kept) {
+// missing from its list reads as absent throughout. The line's memory serves all records.
+void visit(const NetworkTrackerDetail* record, platform::Console& console, std::string& line, ValueList& kept) {
   using Detail = NetworkTrackerDetail;
   const auto read = [record](std::optional<Value> (Detail::*value)() const) {
     return record ? (record->*value)() : std::nullopt;
   };
 
-  std::string line;
+  line.clear();
   appendTextForm(line, read(&Detail::networkID));
   line += "  ";
   appendTextForm(line, read(&Detail::event));
@@ -45,7 +45,9 @@ Value networkEventCounts() {
   // More than one, not at least one: a lone record is not reported, on purpose.
   if (records && records->size() > 1) {
     const auto platform = platform::current();
-    for (const auto& record : *records) visit(record.get(), platform->console(), kept);
+    std::string line;
+    kept.reserve(records->size());
+    for (const auto& record : *records) visit(record.get(), platform->console(), line, kept);
   }
   return Value::list(std::move(kept));
 }
