@@ -111,7 +111,7 @@ class TreeBuilder {
     if (!integer) throw JsonError(position_.tokenLine, where() + "expected an integer of at most 128 bits");
     return add(JsonNode::Kind::integer, *integer);
   }
-  bool string(std::string& value) { return add(JsonNode::Kind::text, std::move(value)); }
+  bool string(const std::string& value) { return add(JsonNode::Kind::text, value); }
   bool binary(Json::binary_t& /*value*/) { return false; }  // not in a text
 
   bool start_object(std::size_t /*size*/) { return open(JsonNode::Kind::object); }

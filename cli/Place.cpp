@@ -38,7 +38,7 @@ Place::Place(const Globals& globals) : quiet_(globals.quiet), container_(locate(
 
 fs::path Place::resources() const {
   std::error_code ignored;
-  const fs::path own = container_.folder() / "Resources";
+  fs::path own = container_.folder() / "Resources";
   const fs::path program = fs::read_symlink("/proc/self/exe", ignored).parent_path();
   for (const fs::path& folder : {own, program / "Resources", program.parent_path() / "share/tavlo/Resources"}) {
     if (fs::is_directory(folder / kResourceBundleName, ignored)) return folder;
