@@ -23,7 +23,7 @@ ExplainedPair explained(const Pair& pair, const TavloPackage* package) {
     return {.pair = &pair, .raw = recordCount(), .sent = list->call()};
   }
   RenderedPair rendered = explain(pair, package);
-  return {.pair = &pair, .raw = std::move(rendered.raw), .sent = std::move(rendered.sent)};
+  return {.pair = &pair, .raw = std::move(rendered.raw), .sent = rendered.sent};
 }
 
 bool isText(const Source& source) {

@@ -9,7 +9,7 @@ namespace {
 
 // Who is asked for values. The unique-user handler is the one that is installed when a value is read.
 struct Sources {
-  const TavloPackage* package;
+  const TavloPackage* package = nullptr;
   SlotReader<TavloUniqueUserHandler> users{processSlot<TavloUniqueUserHandler>()};
 };
 
