@@ -96,7 +96,8 @@ TEST_F(ResourceSlotsThread, EveryBundleIsDestroyedOnceAndLivesWhileItIsHeld) {
 }
 
 TEST_F(ResourceSlotsThread, TheEndOfABundleMayOpenAnother) {
-  world_->onBundleGone = once([] { ASSERT_NE(TavloUtility::frameworkBundle(), nullptr); });
+  // What it opens may be gone again before it has it: the other threads still empty the slot.
+  world_->onBundleGone = once([] { static_cast<void>(TavloUtility::frameworkBundle()); });
   static_cast<void>(TavloUtility::frameworkBundle());
 
   test::onThreadsAtOnce(kThreads, [](int) { processSlot<platform::Bundle>().store(nullptr); });
