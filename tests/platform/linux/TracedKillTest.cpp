@@ -27,12 +27,6 @@ constexpr auto kKeys = std::to_array<const char*>({"ApplicationId", "OptionalId"
 
 bool succeeds(const std::string& command) { return std::system((command + " >/dev/null 2>&1").c_str()) == 0; }
 
-// The n-th call of a name that the process makes.
-struct Point {
-  std::string call;
-  int n;
-};
-
 // What lies in the file before.
 enum class Before { nothing, identifiers, thousandForeign };
 
@@ -55,32 +49,33 @@ class TracedKill : public testing::Test {
                     container_.folder().string() + " " + std::to_string(key) + " new");
   }
 
-  // The calls of a setter, from the line before it to the one after it.
-  [[nodiscard]] std::vector<Point> points(std::size_t key) const {
+  // For each call of a setter how often the process makes it before the setter begins.
+  [[nodiscard]] std::map<std::string, int> callsBefore(std::size_t key) const {
     EXPECT_TRUE(trace("-o " + (folder_ / "calls").string(), key));
     std::map<std::string, int> counts;
-    std::vector<Point> points;
+    std::map<std::string, int> before;
     bool inside = false;
     for (const std::string& line : splitLines(readFile(folder_ / "calls"))) {
       static const std::regex kCall("^(?:[0-9]+ +)?([a-z0-9_]+)\\((.*)$");
       std::smatch parts;
       if (!std::regex_match(line, parts, kCall)) continue;
-      const int n = ++counts[parts[1]];
       if (parts[2].str().starts_with("1, \"done ")) break;
-      if (inside) points.push_back({parts[1], n});
+      if (inside) before.try_emplace(parts[1], counts[parts[1]]);
+      ++counts[parts[1]];
       if (parts[2].str().starts_with("1, \"started ")) inside = true;
     }
-    return points;
+    return before;
   }
 
-  void killAt(const Point& point, std::size_t key) {
-    EXPECT_FALSE(trace("-o /dev/null -e inject=" + point.call + ":signal=KILL:when=" + std::to_string(point.n), key));
+  // Whether the process was killed at its n-th call of the name.
+  [[nodiscard]] bool killAt(const std::string& call, int n, std::size_t key) {
+    const bool killed = !trace("-o /dev/null -e inject=" + call + ":signal=KILL:when=" + std::to_string(n), key);
 
     const Value old = Value::map(entries_);
     entries_.set(Value(kKeys.at(key)), "new");
     const auto root = property_list::decode(readFile(container_.settingsFile())).value;
     const Value found = root.value_or(fs::exists(container_.settingsFile()) ? Value("damaged") : Value::map({}));
-    EXPECT_TRUE(found == old || found == Value::map(entries_));
+    EXPECT_TRUE((killed && found == old) || found == Value::map(entries_));
 
     linux_platform::SettingsStore defaults(container_, recorder_.console(), linux_platform::Syscalls::real());
     defaults.setObjectForKey("next", kKeys.at(key));
@@ -88,6 +83,23 @@ class TracedKill : public testing::Test {
     entries_.set(Value(kKeys.at(key)), "next");
     EXPECT_EQ(property_list::decode(readFile(container_.settingsFile())).value, Value::map(entries_));
     EXPECT_TRUE(fs::is_empty(container_.temporary()));
+    return killed;
+  }
+
+  // How many kills there were, from the setter's first call of the name on until its runs end before such a call. Two
+  // of them, since a sanitizer's own calls at the start of a process are not of the same number each time.
+  [[nodiscard]] std::size_t killAtEach(const std::string& call, int before, Before file, std::size_t key) {
+    constexpr int kSurvivals = 2;
+    std::size_t kills = 0;
+    for (int n = before + 1, survived = 0; survived < kSurvivals; ++n) {
+      SCOPED_TRACE(call + " " + std::to_string(n));
+      put(file);
+      if (killAt(call, n, key))
+        ++kills;
+      else
+        ++survived;
+    }
+    return kills;
   }
 
   TemporaryFolder folder_{TemporaryFolder::inMemory()};
@@ -104,15 +116,10 @@ TEST_F(TracedKill, AtAnyCallLeavesTheOldIdentifierOrTheNewOneAndAllElseAlone) {
     if (!atFullFigures() && before != Before::identifiers) continue;
     for (std::size_t key = 0; key < keys; ++key) {
       put(before);
-      const auto all = points(key);
-      EXPECT_GE(all.size(), 20U);
-      for (const Point& point : all) {
-        SCOPED_TRACE(point.call + " " + std::to_string(point.n));
-        put(before);
-
-        killAt(point, key);
-        ++kills;
-      }
+      std::size_t ofThese = 0;
+      for (const auto& [call, first] : callsBefore(key)) ofThese += killAtEach(call, first, before, key);
+      EXPECT_GE(ofThese, 20U);
+      kills += ofThese;
     }
   }
 
