@@ -8,6 +8,7 @@
 #include <string_view>
 #include <utility>
 
+#include "TavloVersion.h"
 #include "cli/ArgumentNames.h"
 #include "cli/CacheCommandLine.h"
 #include "cli/CacheHelpTexts.h"

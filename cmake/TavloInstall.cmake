@@ -18,8 +18,12 @@ function(tavlo_public_headers)
       continue()
     endif()
     list(APPEND done ${header})
-    set_property(DIRECTORY ${PROJECT_SOURCE_DIR} APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/${header})
-    file(READ ${PROJECT_SOURCE_DIR}/${header} content)
+    set(original ${PROJECT_SOURCE_DIR}/${header})
+    if(EXISTS ${TAVLO_GENERATED}/${header})
+      set(original ${TAVLO_GENERATED}/${header})
+    endif()
+    set_property(DIRECTORY ${PROJECT_SOURCE_DIR} APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${original})
+    file(READ ${original} content)
     cmake_path(GET header PARENT_PATH folder)
     string(REGEX MATCHALL "\n#include \"[^\"\n]+\"" includes "${content}")
     foreach(include ${includes})
@@ -118,7 +122,7 @@ function(tavlo_install_package)
 endfunction()
 
 tavlo_install_library(utility DESCRIPTION "Requests, media cache and services of a video-advertising SDK"
-  HEADERS TavloUtility.h common/Logger.h common/TavloException.h platform/Platform.h request/Contracts.h
+  HEADERS TavloUtility.h TavloVersion.h common/Logger.h common/TavloException.h platform/Platform.h request/Contracts.h
     request/DataBaseHandler.h request/TavloPackage.h request/TavloUniqueUserHandler.h)
 if(TAVLO_BUILD_LINUX)
   tavlo_install_library(linux DESCRIPTION "The services of tavlo-utility on Linux" NEEDS utility

@@ -34,7 +34,8 @@ function(tavlo_library name)
   target_compile_features(${name} PUBLIC cxx_std_20)
   set_target_properties(${name} PROPERTIES CXX_EXTENSIONS OFF POSITION_INDEPENDENT_CODE ON DEFINE_SYMBOL ""
     VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
-  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR} INTERFACE $<BUILD_INTERFACE:${TAVLO_PUBLIC_HEADERS}>)
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR} ${TAVLO_GENERATED}
+    INTERFACE $<BUILD_INTERFACE:${TAVLO_PUBLIC_HEADERS}>)
   target_link_libraries(${name} PRIVATE $<BUILD_INTERFACE:tavlo_options>)
 endfunction()
 
@@ -43,7 +44,7 @@ function(tavlo_program name)
   add_executable(${name} ${ARGN})
   target_compile_features(${name} PRIVATE cxx_std_20)
   set_target_properties(${name} PROPERTIES CXX_EXTENSIONS OFF)
-  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR} ${TAVLO_GENERATED})
   target_link_libraries(${name} PRIVATE tavlo_options)
 endfunction()
 
@@ -75,6 +76,10 @@ function(tavlo_harden)
     endif()
   endforeach()
 endfunction()
+
+# project() above all is the one place that says the version.
+set(TAVLO_GENERATED ${PROJECT_BINARY_DIR}/generated)
+configure_file(${CMAKE_CURRENT_LIST_DIR}/TavloVersion.h.in ${TAVLO_GENERATED}/TavloVersion.h @ONLY)
 
 set(TAVLO_PUBLIC_HEADERS ${PROJECT_BINARY_DIR}/include/tavlo)
 file(MAKE_DIRECTORY ${TAVLO_PUBLIC_HEADERS})

@@ -3,6 +3,7 @@
 
 #include <filesystem>
 
+#include "TavloVersion.h"
 #include "tests/cli/ChildProgram.h"
 #include "tests/support/CaseName.h"
 #include "tests/support/TemporaryFolder.h"
@@ -84,8 +85,8 @@ INSTANTIATE_TEST_SUITE_P(
     tavlo::test::kCaseName);
 
 TEST(CommandLineTest, VersionIsTheAnswer) {
-  EXPECT_EQ(run({"--version"}), (Result{0, "tavlo 0.1.0\n", ""}));
-  EXPECT_EQ(run({"md5", "--version"}), (Result{0, "tavlo 0.1.0\n", ""}));
+  EXPECT_EQ(run({"--version"}), (Result{0, "tavlo " TAVLO_VERSION "\n", ""}));
+  EXPECT_EQ(run({"md5", "--version"}), (Result{0, "tavlo " TAVLO_VERSION "\n", ""}));
 }
 
 TEST(CommandLineTest, HelpTeaches) {

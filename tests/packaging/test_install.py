@@ -14,6 +14,7 @@ from pathlib import Path
 
 ROOT, BUILD, COMPILER, KIND = Path(sys.argv.pop(1)), Path(sys.argv.pop(1)), sys.argv.pop(1), sys.argv.pop(1)
 CONSUMERS = Path(__file__).resolve().parent
+VERSION = re.search(r"^project\(Tavlo VERSION (\S+) ", (ROOT / "CMakeLists.txt").read_text(), re.MULTILINE)[1]
 MD5_OF_ABC = "900150983cd24fb0d6963f7d28e17f72"
 NO_USERS = "&ru=0&ru_n=&uud=0&uud_n=(null)&uuw=0&uuw_n=0&uum=0&uum_n=0"
 
@@ -72,10 +73,11 @@ def error_of(text):
 
 class Rooms(unittest.TestCase):
     def test_AreFoundAloneAndKeepTheirHeadersApart(self):
-        build, done = configured(CONSUMERS / "rooms")
+        version = VERSION.rpartition(".")[0]
+        build, done = configured(CONSUMERS / "rooms", f"-DWANTED={version}")
         self.assertEqual(done.returncode, 0, done.stdout)
         self.assertIn("-- imported: Threads::Threads;Tavlo::utility\n", done.stdout)
-        self.assertRegex(done.stdout, r"-- found: \d+\.\d+\.\d+, utility TRUE\n")
+        self.assertIn(f"-- found: {VERSION}, utility TRUE\n", done.stdout)
 
         output_of("cmake", "--build", build)
 
@@ -111,7 +113,19 @@ class Everything(unittest.TestCase):
     def test_HasTheHeadersThatOthersNeedAndNoneOfTheTestsOrBenches(self):
         top = {path.name for path in (PREFIX / "include/tavlo").iterdir()}
 
-        self.assertEqual(top, {"TavloUtility.h", "common", "host", "platform", "request"})
+        self.assertEqual(top, {"TavloUtility.h", "TavloVersion.h", "common", "host", "platform", "request"})
+
+    def test_SaysItsVersionToPkgConfigAndToThePreprocessorOfC(self):
+        places = {"PKG_CONFIG_PATH": str(next(PREFIX.glob("lib*/**/pkgconfig")))}
+        program = Path(folder.name, "version.c")
+        program.write_text("#include <TavloVersion.h>\n#include <stdio.h>\nint main(void) { return puts(TAVLO_VERSION) < 0; }\n")
+
+        output_of("cc", "-Wall", "-Wextra", "-Wpedantic", "-Werror", f"-I{PREFIX}/include/tavlo", "-o",
+                  program.with_suffix(""), program)
+
+        self.assertEqual(output_of(program.with_suffix("")), VERSION + "\n")
+        for part in ("utility", "linux", "host"):
+            self.assertEqual(output_of("pkg-config", "--modversion", f"tavlo-{part}", **places), VERSION + "\n")
 
     def test_HeadersStandOnTheirOwn(self):
         flags = ["-std=c++20", "-fsyntax-only", "-Wall", "-Wextra", "-Wpedantic", "-Werror"]
@@ -127,7 +141,7 @@ class Program(unittest.TestCase):
             self.skipTest("the program is not built here")
         container = tempfile.mkdtemp(dir=folder.name)
 
-        self.assertRegex(output_of(program, "--version"), r"^tavlo \d+\.\d+\.\d+\n$")
+        self.assertEqual(output_of(program, "--version"), f"tavlo {VERSION}\n")
         image = output_of(program, "--container", container, "image", "mute")
 
         self.assertIn(str(PREFIX / "share/tavlo/Resources/TavloSDKResource.bundle/mute.png"), image)
@@ -154,7 +168,7 @@ class WrongUse(unittest.TestCase):
                 error = error_of(f"find_package(Tavlo {version} CONFIG REQUIRED)")
 
                 self.assertIn(f'compatible with requested version "{version}"', error)
-                self.assertRegex(error, r"TavloConfig\.cmake, version: \d+\.\d+\.\d+")
+                self.assertIn(f"TavloConfig.cmake, version: {VERSION}", error)
 
     def test_OptionalPackageWithUnknownComponentIsNotFoundWithoutAnError(self):
         source = project("Optional", "find_package(Tavlo CONFIG COMPONENTS windows)\nmessage(STATUS \"<${Tavlo_FOUND}>\")")

@@ -9,6 +9,7 @@ import sys
 from pathlib import Path
 
 FACE = "TavloUtility.h"
+VERSION = "TavloVersion.h"  # made from the version of the project
 ROOMS = ("request", "cache", "identity", "location", "resources")
 ROOM_ARROWS = {"common", "platform", FACE}
 HOST_API = {"request/TavloPackage.h", "request/PackageReads.h", "request/TavloUniqueUserHandler.h",
@@ -17,13 +18,14 @@ HOST_API = {"request/TavloPackage.h", "request/PackageReads.h", "request/TavloUn
 # What a folder may include besides its own files: folders and single headers.
 ARROWS = {
     FACE: {"common"},
+    VERSION: set(),
     "common": set(),
     "platform": {"common"},
     **{room: ROOM_ARROWS for room in ROOMS},
     "location": ROOM_ARROWS | {"request/TavloPackage.h"},
     "platform/linux": {"common", "platform"},
     "host": {"common", "platform", FACE} | HOST_API,
-    "cli": {"common", "platform", "platform/linux", "host", FACE, *ROOMS},
+    "cli": {"common", "platform", "platform/linux", "host", FACE, VERSION, *ROOMS},
 }
 SYSTEM_USERS = {"platform/linux", "cli"}
 
@@ -64,8 +66,8 @@ SKIPPED = {".git", "build"}
 
 def folder_of(path):
     """The layer that a path of the tree belongs to, None for tests, benches and the like."""
-    if path == FACE:
-        return FACE
+    if path in (FACE, VERSION):
+        return path
     matches = [folder for folder in ARROWS if path.startswith(folder + "/")]
     return max(matches, key=len, default=None)
 

@@ -18,6 +18,7 @@ GOOD = {
     "platform/linux/Files.cpp": '#include <fcntl.h>\n#include <iostream>\n#include <sys/stat.h>\n#include "platform/Platform.h"\n',
     "request/Requests.cpp": '#include "TavloUtility.h"\n#include "platform/Platform.h"\n',
     "host/Database.cpp": '#include <sqlite3.h>\n#include "request/TavloPackage.h"\n',
+    "cli/Version.cpp": '#include "TavloVersion.h"\n',
     "cli/Main.cpp": '#include <unistd.h>\n#include <CLI/CLI.hpp>\n#include "platform/linux/LinuxPlatform.h"\n',
     "cli/Json.cpp": "#include <nlohmann/json.hpp>\n#include <string>\n",
     "tests/cli/ProgramTest.cpp": '#include <gtest/gtest.h>\n#include "platform/linux/LinuxPlatform.h"\n',
