@@ -1,6 +1,6 @@
-"""Prints docs/cache-vectors.json: URLs, and the names of their files in the media cache.
+"""Prints conformance/cache-names.json: URLs, and the names of their files in the media cache.
 
-Usage: cache_vectors.py > docs/cache-vectors.json
+Usage: cache_vectors.py > conformance/cache-names.json
 
 MD5 is Python's own, the blanks are those of its Unicode tables, and the URLs' extensions those of extension.py."""
 import hashlib
@@ -81,16 +81,50 @@ def digest(text):
     return hashlib.md5(text.encode()).hexdigest()
 
 
-def vector(about, url):
+PATH = "Cached directory path : ${documents}/TavloCache/"
+WRITTEN = "getAndSaveBannerImage() - write successfully"
+
+
+def error(operation, what):
+    return f"{operation}() - ERROR: {what}"
+
+
+def video(url):
+    operation, step = "getCacheVideoDataPath", {"with": url, "gives": None}
+    if not url:
+        return {"call": operation, **step, "log": [error(operation, "Passed file url parameter is nil")]}
     found = extension(url)
-    return {
-        "about": about,
-        "url": url,
-        "video": f"{digest(cleaned(url))}.{'(null)' if found is None else found}" if url else None,
-        "bannerWritten": digest(trimmed(url, is_whitespace)),
-        "bannerLookedUp": digest(cleaned(url)) if cleaned(url) else None,
-    }
+    name = f"{digest(cleaned(url))}.{'(null)' if found is None else found}"
+    return {"call": operation, **step, "log": [PATH + name, error(operation, "Cache Video Data  does not exist")]}
+
+
+def looked_up(url):
+    operation, written = "getCacheBannerImagePath", digest(trimmed(url, is_whitespace))
+    if not cleaned(url):
+        missing = error(operation, "Passed file url parameter is nil")
+        return {"call": operation, "with": url, "gives": None, "log": [missing]}
+    name = digest(cleaned(url))
+    if name == written:
+        return {"call": operation, "with": url, "gives": "${documents}/TavloCache/" + name, "log": [PATH + name]}
+    missing = error(operation, "Cache Banner Image Data  does not exist")
+    return {"call": operation, "with": url, "gives": None, "log": [PATH + name, missing]}
+
+
+def case(about, url):
+    """A look-up of a video; where there is anything to fetch, a banner image stored; and its look-up."""
+    words = "".join(c if c.isascii() and (c.isalnum() or c == "+") else " " for c in about).replace("+", "").split()
+    steps = [video(url)]
+    given = {"files": {"TavloCache/": None}}
+    if cleaned(url):
+        text = trimmed(url, is_whitespace)
+        given["urls"] = {text: "image"}
+        steps += [{"call": "cachedBannerImage", "with": url},
+                  {"do": "runTasks", "log": [PATH + digest(text), WRITTEN],
+                   "files": {"TavloCache/" + digest(text): "image"}}]
+    steps.append(looked_up(url))
+    return {"name": "".join(word[0].upper() + word[1:] for word in words), "about": about, "given": given,
+            "steps": steps}
 
 
 if __name__ == "__main__":
-    print(json.dumps([vector(about, url) for about, url in URLS], indent=1))
+    print(json.dumps([case(about, url) for about, url in URLS], indent=1))
