@@ -8,7 +8,7 @@ Installs the Debian packages that are missing. With all of them there it needs n
 
   --bench  also the libraries and programs that the benchmarks race against
   --ci     also what .ci/run needs: clang, its sanitizers, clang-format, clang-tidy, compilers for other processors
-           and an emulator, Objective-C and GNUstep Base, gcovr
+           and an emulator, Objective-C and GNUstep Base, abidiff, gcovr
   -h       this text"
 
 # What the product is made of; scripts/sbom.py reads it here.
@@ -22,6 +22,7 @@ packages=(
 readonly BENCH_PACKAGES=(libboost-url1.81-dev libfmt-dev libgcrypt20-dev libplist-dev libssl-dev nettle-dev nginx-light curl)
 readonly CI_PACKAGES=(clang libclang-rt-14-dev clang-format-14 clang-tidy-14 gcovr
   gobjc++ libgnustep-base-dev  # the Objective-C face
+  abigail-tools                # the ABI of the C face
   g++-i686-linux-gnu g++-aarch64-linux-gnu g++-s390x-linux-gnu qemu-user googletest  # other processors
 )
 

@@ -15,6 +15,7 @@ from pathlib import Path
 ROOT, BUILD, COMPILER, KIND = Path(sys.argv.pop(1)), Path(sys.argv.pop(1)), sys.argv.pop(1), sys.argv.pop(1)
 CONSUMERS = Path(__file__).resolve().parent
 VERSION = re.search(r"^project\(Tavlo VERSION (\S+) ", (ROOT / "CMakeLists.txt").read_text(), re.MULTILINE)[1]
+C_HEADERS = {f"tavlo{part}.h" for part in ("", "_host", "_platform", "_types", "_value")}
 MD5_OF_ABC = "900150983cd24fb0d6963f7d28e17f72"
 NO_USERS = "&ru=0&ru_n=&uud=0&uud_n=(null)&uuw=0&uuw_n=0&uum=0&uum_n=0"
 
@@ -113,7 +114,7 @@ class Everything(unittest.TestCase):
     def test_HasTheHeadersThatOthersNeedAndNoneOfTheTestsOrBenches(self):
         top = {path.name for path in (PREFIX / "include/tavlo").iterdir()}
 
-        self.assertEqual(top, {"TavloUtility.h", "TavloVersion.h", "common", "host", "platform", "request"})
+        self.assertEqual(top, {"TavloUtility.h", "TavloVersion.h", "common", "host", "platform", "request", *C_HEADERS})
 
     def test_SaysItsVersionToPkgConfigAndToThePreprocessorOfC(self):
         places = {"PKG_CONFIG_PATH": str(next(PREFIX.glob("lib*/**/pkgconfig")))}
@@ -153,14 +154,15 @@ class Kind(unittest.TestCase):
                        if not path.is_symlink())
 
         expected = {"static": "libtavlo_{}.a", "shared": "libtavlo_{}.so.V"}[KIND]
-        self.assertEqual(names, [expected.format(part) for part in ("host", "linux", "utility")])
+        self.assertEqual(names, ["libtavlo.so.V", "libtavlo_c.a",
+                                 *(expected.format(part) for part in ("host", "linux", "utility"))])
 
 
 class WrongUse(unittest.TestCase):
     def test_UnknownComponentIsNamedAndSoAreTheOthers(self):
         error = error_of("find_package(Tavlo CONFIG REQUIRED COMPONENTS utility windows)")
 
-        self.assertIn('it has no component "windows". Installed are utility, linux, host', error)
+        self.assertIn('it has no component "windows". Installed are utility, linux, host, c, c_static', error)
 
     def test_OtherVersionsAreNotFound(self):
         for version in ("0.0", "0.99", "1.0", "9"):

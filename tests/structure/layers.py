@@ -26,6 +26,7 @@ ARROWS = {
     "platform/linux": {"common", "platform"},
     "platform/apple": {"common", "platform"},
     "host": {"common", "platform", FACE} | HOST_API,
+    "c": {"common", "platform", "platform/linux", "host", FACE, VERSION, *ROOMS},
     "cli": {"common", "platform", "platform/linux", "host", FACE, VERSION, *ROOMS},
 }
 SYSTEM_USERS = {"platform/linux", "platform/apple", "cli"}
@@ -37,6 +38,10 @@ FRAMEWORK_USERS = {"platform/apple", "objc"}
 # What a phone carries: standard headers that would bring static objects and much code of their own stay out of it.
 CARRIED = {FACE, "common", "platform", *ROOMS}
 HEAVY_HEADERS = {"iostream", "regex", "locale"}
+
+# The public headers of the C interface are C, and name each other relative to where they are installed: side by side.
+C_HEADER = re.compile(r"c/tavlo\w*\.h")
+C_STANDARD_HEADERS = {"stdbool.h", "stddef.h", "stdint.h", "string.h"}
 
 # Each library's headers stand in one file only, of this folder.
 LIBRARIES = {
@@ -109,6 +114,8 @@ class Check:
         folder = folder_of(name)
         if folder is None:
             self.include_in_test(name, included)
+        elif C_HEADER.fullmatch(name) and (included in C_STANDARD_HEADERS or C_HEADER.fullmatch(f"c/{included}")):
+            return
         elif angled:
             self.include_of_system(name, folder, included)
         else:
