@@ -11,16 +11,6 @@
 namespace tavlo::cli {
 namespace {
 
-std::string formText(const Contract& contract) {
-  const std::string count = std::to_string(contract.pairs.size());
-  switch (contract.form) {
-    case Form::joined: return count + " pairs joined by \"&\"";
-    case Form::appended: return count + " pairs, each led by \"&\"";
-    case Form::map: return "a map of " + count + " keys";
-  }
-  return {};
-}
-
 std::string_view formName(Form form) {
   switch (form) {
     case Form::joined: return "joined";
@@ -28,12 +18,6 @@ std::string_view formName(Form form) {
     case Form::map: return "map";
   }
   return {};
-}
-
-// The operation, or the constant as it is sent.
-std::string sourceText(const Source& source) {
-  if (const auto* constant = std::get_if<Constant>(&source)) return quoted(constant->text);
-  return std::string(sourceName(source));
 }
 
 std::string contractTable(const Contract& contract, const TableLook& look) {
@@ -88,6 +72,21 @@ Value contractsValue(const Contract* only) {
 
 }  // namespace
 
+std::string formText(const Contract& contract) {
+  const std::string count = std::to_string(contract.pairs.size());
+  switch (contract.form) {
+    case Form::joined: return count + " pairs joined by \"&\"";
+    case Form::appended: return count + " pairs, each led by \"&\"";
+    case Form::map: return "a map of " + count + " keys";
+  }
+  return {};
+}
+
+std::string sourceText(const Source& source) {
+  if (const auto* constant = std::get_if<Constant>(&source)) return quoted(constant->text);
+  return std::string(sourceName(source));
+}
+
 std::string_view sourceName(const Source& source) {
   return std::visit(
       [](const auto& from) -> std::string_view {
@@ -121,27 +120,6 @@ std::string_view renderingName(Rendering rendering) {
     case Rendering::list: return "list";
   }
   return {};
-}
-
-std::string contractMarkdown(const Contract& contract) {
-  std::string text = "## " + std::string(contract.title) + "\n\n`" + std::string(contract.operation) +
-                     "`: " + formText(contract) +
-                     ".\n\n| # | Key | Source | Kind | Rendering |\n|---|---|---|---|---|\n";
-  std::size_t number = 0;
-  for (const Pair& pair : contract.pairs) {
-    text += "| " + std::to_string(++number) + " | `" + std::string(pair.key) + "` | `" + sourceText(pair.source) +
-            "` | " + std::string(kindName(pair.source)) + " | " + std::string(renderingName(pair.rendering)) + " |\n";
-  }
-  return text;
-}
-
-std::string allContractsMarkdown() {
-  std::string text =
-      "# The wire contracts\n\n"
-      "What the four requests send, pair by pair and in order, as `tavlo contract --format markdown` prints it from\n"
-      "the tables in request/Contracts.h. Encoded values go through `urlEncode`; an absent text is sent as `(null)`.\n";
-  for (const Contract& contract : kContracts) text.append("\n").append(contractMarkdown(contract));
-  return text;
 }
 
 void execute(const PrintContract& command, const Run& run) {

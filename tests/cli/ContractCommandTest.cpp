@@ -67,10 +67,28 @@ TEST(ContractCommandTest, MarkdownIsATable) {
                                   "\n"
                                   "`getUserInfoRequestString`: 8 pairs, each led by \"&\".\n"
                                   "\n"
-                                  "| # | Key | Source | Kind | Rendering |\n"
-                                  "|---|---|---|---|---|\n"
-                                  "| 1 | `ru` | `getIsUserNew` | integer | integer |\n"
-                                  "| 2 | `ru_n` | `\"\"` | constant | constant |\n"));
+                                  "| # | Key | Source | Kind | Rendering | Personal data | Also sent in |\n"
+                                  "|---|---|---|---|---|---|---|\n"
+                                  "| 1 | `ru` | `getIsUserNew` | integer | integer | usage | tracker `ru` |\n"
+                                  "| 2 | `ru_n` | `\"\"` | constant | constant | none | |\n"));
+}
+
+TEST(ContractCommandTest, MarkdownSaysWhatIsPersonalAndWhereElseItIsSent) {
+  const std::string page = run({"contract", "--format", "markdown"}).out;
+
+  for (const char* const row : {
+           "| 4 | `device_id` | `device_id` | text | as is | identifier | in-app `device_id`, `os_id`; tracker "
+           "`device_id` encoded |\n",
+           "| 22 | `os_id` | `device_id` | text | as is | identifier | ad `device_id`; in-app `device_id`; tracker "
+           "`device_id` encoded |\n",
+           "| 14 | `email_address` | `email_address` | text | encoded | contact | |\n",
+           "| 38 | `lat` | `getLatitude` | text | encoded | position | |\n",
+           "| 21 | `sheight` | `screen_height` | text | as is | device | ad `screen_height`; in-app `sheight` |\n",
+           "| 24 | `sessionId` | `iosID` | text | as is | identifier | ad `sessionId` encoded |\n",
+           "| position | where the device is | `lat`, `long`, `address` |\n",
+       }) {
+    EXPECT_THAT(page, testing::HasSubstr(row));
+  }
 }
 
 TEST(ContractCommandTest, DocumentationIsWhatTheProgramPrints) {
