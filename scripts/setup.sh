@@ -8,7 +8,7 @@ Installs the Debian packages that are missing. With all of them there it needs n
 
   --bench  also the libraries and programs that the benchmarks race against
   --ci     also what .ci/run needs: clang, its sanitizers, clang-format, clang-tidy, compilers for other processors
-           and an emulator, Objective-C and GNUstep Base, abidiff, gcovr
+           and an emulator, Objective-C and GNUstep Base, abidiff, gcovr, Doxygen
   -h       this text"
 
 # What the product is made of; scripts/sbom.py reads it here.
@@ -16,12 +16,13 @@ readonly LIBRARIES=(libcli11-dev nlohmann-json3-dev libsqlite3-dev libcurl4-open
   libgeocode-glib-dev libpng-dev)
 packages=(
   g++ cmake ninja-build pkg-config "${LIBRARIES[@]}"
-  libgtest-dev libgmock-dev libbenchmark-dev python3 openssl strace shellcheck locales       # the tests
+  libgtest-dev libgmock-dev libbenchmark-dev python3 openssl strace shellcheck locales libcjson-dev  # the tests
   dbus geoclue-2.0 xdg-desktop-portal python3-dbus python3-gi
 )
 readonly BENCH_PACKAGES=(libboost-url1.81-dev libfmt-dev libgcrypt20-dev libplist-dev libssl-dev nettle-dev nginx-light curl)
 readonly CI_PACKAGES=(clang libclang-rt-14-dev clang-format-14 clang-tidy-14 gcovr
   gobjc++ libgnustep-base-dev  # the Objective-C face
+  doxygen                      # the API reference
   abigail-tools                # the ABI of the C face
   g++-i686-linux-gnu g++-aarch64-linux-gnu g++-s390x-linux-gnu qemu-user googletest  # other processors
 )

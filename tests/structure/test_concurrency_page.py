@@ -9,7 +9,7 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[2]
 PAGE = "docs/concurrency.md"
-FOLDERS = ("common", "platform", "request", "cache", "identity", "location", "resources", "host", "cli")
+FOLDERS = ("common", "platform", "request", "cache", "identity", "location", "resources", "host", "cli", "c")
 
 SHARED = re.compile(
     r"(?:std::(?:recursive_|shared_|timed_)*mutex|std::condition_variable(?:_any)?|std::once_flag|std::atomic_flag"
