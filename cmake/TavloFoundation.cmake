@@ -8,7 +8,8 @@ enable_language(OBJC)
 enable_language(OBJCXX)
 
 add_library(tavlo_foundation INTERFACE)
-target_compile_options(tavlo_foundation INTERFACE $<$<COMPILE_LANGUAGE:OBJCXX>:-std=c++20>)
+target_compile_options(tavlo_foundation INTERFACE $<$<COMPILE_LANGUAGE:OBJCXX>:-std=c++20>
+  $<$<COMPILE_LANGUAGE:OBJC>:-std=c11>)
 if(APPLE)
   target_link_libraries(tavlo_foundation INTERFACE "-framework Foundation")
   return()

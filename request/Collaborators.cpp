@@ -1,5 +1,7 @@
 // The process-wide slots of the classes that the rest of the SDK brings, and the class operations that read
 // them.
+#include <utility>
+
 #include "common/Slot.h"
 #include "request/DataBaseHandler.h"
 #include "request/TavloPackage.h"
@@ -16,7 +18,11 @@ Result ask(Result (TavloUniqueUserHandler::*read)() const) {
 
 }  // namespace
 
-std::shared_ptr<TavloPackage> TavloPackage::sharedInstance() { return processSlot<TavloPackage>().load(); }
+std::shared_ptr<TavloPackage> TavloPackage::sharedInstance() {
+  auto package = processSlot<TavloPackage>().load();
+  auto record = package ? package->record() : nullptr;
+  return record ? std::move(record) : std::move(package);
+}
 
 void TavloPackage::install(std::shared_ptr<TavloPackage> package) {
   processSlot<TavloPackage>().store(std::move(package));

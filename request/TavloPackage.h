@@ -29,6 +29,10 @@ class TavloPackage {
   [[nodiscard]] static std::shared_ptr<TavloPackage> sharedInstance();
   static void install(std::shared_ptr<TavloPackage> package);
 
+  // Where the installed package only knows where the record is: that record, asked for once a call of sharedInstance().
+  // nullptr: the package is the record itself.
+  [[nodiscard]] virtual std::shared_ptr<TavloPackage> record() { return nullptr; }
+
   // The app and the session
   [[nodiscard]] virtual Text applicationId() const = 0;
   [[nodiscard]] virtual Text app_version() const = 0;
