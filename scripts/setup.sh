@@ -16,7 +16,7 @@ readonly LIBRARIES=(libcli11-dev nlohmann-json3-dev libsqlite3-dev libcurl4-open
   libgeocode-glib-dev libpng-dev)
 packages=(
   g++ cmake ninja-build pkg-config "${LIBRARIES[@]}"
-  libgtest-dev libgmock-dev libbenchmark-dev python3 openssl strace shellcheck locales libcjson-dev  # the tests
+  libgtest-dev libgmock-dev libbenchmark-dev python3 openssl strace shellcheck locales libjansson-dev  # the tests
   dbus geoclue-2.0 xdg-desktop-portal python3-dbus python3-gi
 )
 readonly BENCH_PACKAGES=(libboost-url1.81-dev libfmt-dev libgcrypt20-dev libplist-dev libssl-dev nettle-dev nginx-light curl)
