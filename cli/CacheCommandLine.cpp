@@ -22,7 +22,8 @@ Command makeLookUp(const Words& words) {
 
 constexpr ArgumentRow kUrl{.name = "URL", .description = "As the SDK has it, blanks included"};
 constexpr ArgumentRow kName{.name = "NAME", .description = "Of a file in the cache directory"};
-constexpr ArgumentRow kList{.name = "LIST", .description = "video or interstitial"};
+constexpr ArgumentRow kList{
+    .name = "LIST", .description = "video or interstitial", .choices = [] { return namesOf(kLists); }};
 constexpr ArgumentRow kFile{.name = "FILE", .description = "JSON, - for standard input"};
 
 constexpr auto kRows = std::to_array<CacheCommandRow>({

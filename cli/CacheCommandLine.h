@@ -14,7 +14,8 @@ namespace tavlo::cli {
 struct ArgumentRow {
   const char* name = nullptr;  // nullptr: there is none
   const char* description = nullptr;
-  bool mayRepeat = false;  // the last one only
+  bool mayRepeat = false;                           // the last one only
+  std::vector<std::string> (*choices)() = nullptr;  // nullptr: anything
 };
 
 struct CacheCommandRow {

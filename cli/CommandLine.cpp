@@ -12,6 +12,7 @@
 #include "cli/ArgumentNames.h"
 #include "cli/CacheCommandLine.h"
 #include "cli/CacheHelpTexts.h"
+#include "cli/DescribeApp.h"
 #include "cli/Errors.h"
 #include "cli/HelpTexts.h"
 #include "cli/ServiceCommandLine.h"
@@ -62,6 +63,8 @@ class Parser {
     addMaker(addCommand(root_, "use", help::kUse, help::kUseFooter), [] { return RecordUse{}; });
     addMaker(addCommand(root_, "demo", help::kDemo, help::kDemoFooter), [] { return Demo{}; });
   }
+
+  [[nodiscard]] CommandDescription description() const { return describe(root_, choices_); }
 
   Invocation parse(std::span<const std::string> arguments) {
     std::vector<std::string> reversed;  // as the library wants them
@@ -119,6 +122,7 @@ class Parser {
     container_ = root_.add_option("--container", "Where everything that is kept lies")->type_name("DIR");
     domain_ = root_.add_option("--domain", "The settings' name in it, tavlo when not given")->type_name("NAME");
     color_ = root_.add_option("--color", "auto (only on a terminal), always or never")->type_name("WHEN");
+    choices_[color_] = namesOf(kColorNames);
     root_.add_flag("--quiet", quiet_, "No notes and no console lines; errors stay");
     root_.add_flag("--json", json_, "Answers as JSON");
   }
@@ -126,6 +130,7 @@ class Parser {
   void addRequest() {
     CLI::App& command = addCommand(root_, "request", help::kRequest, help::kRequestFooter);
     const CLI::Option& name = addArgument(command, "NAME", "ad, in-app, user or tracker");
+    choices_[&name] = namesOf(kContracts);
     const CLI::Option* session =
         command.add_option("--session", "A session file, - for standard input")->type_name("FILE");
     const CLI::Option* pretty = command.add_flag("--pretty")->description("A table that explains each value");
@@ -142,6 +147,7 @@ class Parser {
 
     CLI::App& get = addCommand(id, "get", help::kIdGet, help::kIdGetFooter);
     const CLI::Option& read = addArgument(get, "KEY", "app, optional or security");
+    choices_[&read] = namesOf(kIdentifierNames);
     const CLI::Option* reveal = get.add_flag("--reveal")->description("The security key as it is, not masked");
     addMaker(get, [&read, reveal] {
       return GetIdentifier{.identifier = identifierOf(read), .reveal = reveal->count() > 0};
@@ -149,6 +155,7 @@ class Parser {
 
     CLI::App& set = addCommand(id, "set", help::kIdSet, help::kIdSetFooter);
     const CLI::Option& written = addArgument(set, "KEY", "app, optional or security");
+    choices_[&written] = namesOf(kIdentifierNames);
     const CLI::Option& value = addArgument(set, "VALUE", "Any text but an empty one");
     addMaker(set, [&written, &value] {
       return SetIdentifier{.identifier = identifierOf(written), .value = *textOf(value)};
@@ -190,6 +197,8 @@ class Parser {
     CLI::App& command = addCommand(root_, "contract", help::kContract, help::kContractFooter);
     const CLI::Option* name = command.add_option("NAME", "ad, in-app, user or tracker");
     const CLI::Option* format = command.add_option("--format", "table, json or markdown")->type_name("FORMAT");
+    choices_[name] = namesOf(kContracts);
+    choices_[format] = namesOf(kFormatNames);
     addMaker(command, [name, format] {
       PrintContract print;
       if (const auto text = textOf(*name)) print.contract = &named(kContracts, *text, "the request");
@@ -224,6 +233,7 @@ class Parser {
         if (!argument.name) continue;
         CLI::Option& option = addArgument(command, argument.name, argument.description);
         if (argument.mayRepeat) option.expected(1, CLI::detail::expected_max_vector_size)->allow_extra_args();
+        if (argument.choices) choices_[&option] = argument.choices();
         arguments.push_back(&option);
       }
       addMaker(command, [&row, arguments] {
@@ -249,6 +259,7 @@ class Parser {
     }
     const CLI::Option* argument = nullptr;
     if (row.argument.name) argument = &addArgument(command, row.argument.name, row.argument.description);
+    if (row.argument.choices) choices_[argument] = row.argument.choices();
     addMaker(command, [&row, options, argument] {
       Given given;
       if (argument) given.word = *textOf(*argument);
@@ -267,8 +278,7 @@ class Parser {
   }
 
   [[nodiscard]] Command command() const {
-    const auto isAsked = [](const auto& maker) { return maker.first->parsed(); };
-    return std::find_if(makers_.begin(), makers_.end(), isAsked)->second();
+    return std::ranges::find_if(makers_, [](const auto& maker) { return maker.first->parsed(); })->second();
   }
 
   CLI::App root_;
@@ -278,10 +288,13 @@ class Parser {
   bool quiet_ = false;
   bool json_ = false;
   std::vector<std::pair<const CLI::App*, std::function<Command()>>> makers_;
+  Choices<CLI::Option> choices_;
 };
 
 }  // namespace
 
 Invocation parseCommandLine(std::span<const std::string> arguments) { return Parser().parse(arguments); }
+
+CommandDescription describeCommandLine() { return Parser().description(); }
 
 }  // namespace tavlo::cli

@@ -105,7 +105,7 @@ constexpr auto kRows = std::to_array<ServiceCommandRow>({
     {.name = "image",
      .description = help::kImage,
      .footer = help::kImageFooter,
-     .argument = {.name = "NAME", .description = "volume or mute"},
+     .argument = {.name = "NAME", .description = "volume or mute", .choices = [] { return namesOf(kImages); }},
      .options = {{{"--out", "FILE", "Write the PNG file's bytes to a new file, - for standard output"}}},
      .make = makeImage},
     {.group = "log",

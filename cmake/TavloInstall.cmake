@@ -154,11 +154,29 @@ if(NOT TAVLO_INSTALL)
 endif()
 tavlo_install_package()
 
-# The program, and where it finds the images that a container lacks.
+# The program, where it finds the images that a container lacks, and what is to be read about it. What the system's own
+# package manager puts under /usr needs no hint where its libraries are.
 if(TARGET tavlo)
-  file(RELATIVE_PATH libraries ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
-  set_target_properties(tavlo PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries}")
+  if(NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr")
+    file(RELATIVE_PATH libraries ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
+    set_target_properties(tavlo PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries}")
+    set(zsh zsh/site-functions)
+  else()
+    set(zsh zsh/vendor-completions)
+  endif()
+  set(data ${CMAKE_INSTALL_DATADIR})
   install(TARGETS tavlo RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT program)
   install(DIRECTORY ${PROJECT_SOURCE_DIR}/resources/TavloSDKResource.bundle
-    DESTINATION ${CMAKE_INSTALL_DATADIR}/tavlo/Resources COMPONENT program)
+    DESTINATION ${data}/tavlo/Resources COMPONENT program)
+  install(FILES ${TAVLO_DOCUMENTS}/tavlo.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT program)
+  install(FILES ${TAVLO_DOCUMENTS}/tavlo DESTINATION ${data}/bash-completion/completions COMPONENT program)
+  install(FILES ${TAVLO_DOCUMENTS}/_tavlo DESTINATION ${data}/${zsh} COMPONENT program)
+  install(FILES ${TAVLO_DOCUMENTS}/tavlo.fish DESTINATION ${data}/fish/vendor_completions.d COMPONENT program)
+  install(FILES ${PROJECT_SOURCE_DIR}/CHANGELOG.md DESTINATION ${data}/doc/tavlo RENAME changelog COMPONENT program)
+  install(FILES ${PROJECT_SOURCE_DIR}/README.md DESTINATION ${data}/doc/tavlo COMPONENT program)
+  install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs ${PROJECT_SOURCE_DIR}/examples
+    DESTINATION ${data}/doc/tavlo COMPONENT program)
+endif()
+if(BUILD_SHARED_LIBS)
+  include(TavloPackages)
 endif()

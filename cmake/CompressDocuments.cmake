@@ -1,0 +1,5 @@
+# Before a package is packed: manual pages and changelogs are compressed, the same each time.
+file(GLOB_RECURSE documents ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/*.1 ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/changelog)
+if(documents)
+  execute_process(COMMAND gzip -9 -n -f ${documents} COMMAND_ERROR_IS_FATAL ANY)
+endif()
