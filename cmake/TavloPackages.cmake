@@ -24,7 +24,8 @@ set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS
-  ${PROJECT_BINARY_DIR} ${PROJECT_BINARY_DIR}/platform/linux ${PROJECT_BINARY_DIR}/host)
+  ${PROJECT_BINARY_DIR} ${PROJECT_BINARY_DIR}/platform/linux ${PROJECT_BINARY_DIR}/host
+  ${PROJECT_BINARY_DIR}/c)
 
 # tavlo_package(component name section TEXT text [DEPENDS requirement])
 function(tavlo_package component name section)
@@ -37,11 +38,11 @@ function(tavlo_package component name section)
 endfunction()
 
 tavlo_package(runtime ${library} libs
-  TEXT "Shared libraries. The component builds what the SDK tells its ad server, keeps identifiers and a media cache,\nand fetches position and address.")
+  TEXT "Shared libraries. The component builds what the SDK tells its ad server, keeps\nidentifiers and a media cache, and fetches position and address.")
 tavlo_package(dev libtavlo-dev libdevel DEPENDS "${same}"
-  TEXT "Development files: headers for C++20, and the files that CMake's find_package() and pkg-config read.")
+  TEXT "Development files: headers for C++20 and C, and what CMake's find_package()\nand pkg-config read.")
 tavlo_package(program tavlo utils DEPENDS "${same}"
-  TEXT "The program that shows and checks what the component does: requests, identifiers, tracker records, media cache, position, \nimages and log, on the command line.")
+  TEXT "The program that shows and checks what the component does: requests,\nidentifiers, tracker records, media cache, position, images and log.")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_GENERATE_SHLIBS_POLICY "=")
 

@@ -25,7 +25,7 @@ readonly CI_PACKAGES=(clang libclang-rt-14-dev clang-format-14 clang-tidy-14 gco
   doxygen                      # the API reference
   abigail-tools                # the ABI of the C face
   g++-i686-linux-gnu g++-aarch64-linux-gnu g++-s390x-linux-gnu qemu-user googletest  # other processors
-  dpkg-dev man-db zsh fish                                                          # packages, manual, completions
+  dpkg-dev man-db zsh fish                                                           # packages, manual, completions
 )
 
 readonly BENCH_SERVICE=nginx-light  # the benchmarks start it themselves

@@ -30,7 +30,7 @@ SPECIAL = {
     "id": 'echo "${FAKE_UID:-0}"',
     "nproc": "echo 3",
 }
-STAND_INS = ["apt-get", "update-rc.d", "cmake", "ctest", "git", "clang-format-14", "clang-tidy-14", "shellcheck", "gcovr"]
+STAND_INS = ["apt-get", "update-rc.d", "cmake", "cpack", "ctest", "git", "clang-format-14", "clang-tidy-14", "shellcheck", "gcovr"]
 DEMO = """
 echo "tavlo $*" | sed "s|${@: -1}|DIR|" >> "$CALLS"
 [ -d "${@: -1}" ] && echo "container is there" && echo "${@: -1}" > container

@@ -186,6 +186,11 @@ class Ci(unittest.TestCase):
             "cmake --preset release", "cmake --build --preset release --target tavlo tavlo_bench tavlo_footprint",
             "ctest --preset release -R ^Bench|Hardened$"])
 
+    def test_PackagesAreMadeAnew(self):
+        run = Run(".ci/run", "packages")
+
+        self.assertEqual(run.calls, ["cmake --preset packages", "cmake --build --preset packages", "cpack --preset packages"])
+
     def test_OtherProcessorsRunAllTestsOfTheirOwn(self):
         for leg in ("m32", "arm64", "s390x"):
             with self.subTest(leg):

@@ -44,6 +44,7 @@ class Version(unittest.TestCase):
                  for match in re.findall(r"find_package\(Tavlo ([0-9.]+)", text)}
 
         self.assertEqual(asked, {("docs/embedding.md", version().rpartition(".")[0])})
+        self.assertIn(f"`libtavlo{version().rpartition('.')[0]}` has", (ROOT / "docs/embedding.md").read_text(encoding="utf-8"))
 
     def test_HasTheNewestHeadingOfTheChangelogUnlessThatIsUnreleased(self):
         headings = re.findall(r"^## (.*)$", CHANGELOG.read_text(encoding="utf-8"), re.MULTILINE)
