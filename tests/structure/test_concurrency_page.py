@@ -9,16 +9,19 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[2]
 PAGE = "docs/concurrency.md"
-FOLDERS = ("common", "platform", "request", "cache", "identity", "location", "resources", "host", "cli", "c")
+FOLDERS = ("common", "platform", "request", "cache", "identity", "location", "resources", "host", "cli", "c",
+           "objc")
 
 SHARED = re.compile(
-    r"(?:std::(?:recursive_|shared_|timed_)*mutex|std::condition_variable(?:_any)?|std::once_flag|std::atomic_flag"
+    r"(?:std::(?:recursive_|shared_|timed_)*mutex|std::condition_variable(?:_any)?|std::once_flag|dispatch_once_t|std::atomic_flag"
     r"|std::atomic<[^;]*>|(?<!processSlot)\bSlot<[\w:]+>)\s+(\w+)\s*(?:=|\{|;)"
     r"|\bthread_local\b[^;=({]*?(\w+)\s*(?:=|\{|;)"
     r"|using (\w+) = std::atomic<")
-SLOT = re.compile(r"\bprocessSlot<(?!T>)((?:const )?[\w:]+)>\(\)")
-ROW = re.compile(r"^\| `([^`]+\.(?:h|cpp))` `(\w+)` \|", re.MULTILINE)
-SLOT_ROW = re.compile(r"^\| `processSlot<([^`]+)>` \|", re.MULTILINE)
+SLOT = re.compile(r"\bprocessSlot<((?:const )?[\w:]+)>\(\)")
+PARAMETER = re.compile(r"(?:class|typename) (\w+)[,>]")
+ROW = re.compile(r"^\| `([^`]+\.(?:h|cpp|mm))` `(\w+)` \|", re.MULTILINE)
+SLOT_PARAMETER = re.compile(r"(?:class|typename) (\w+)[,>]")
+ROW = re.compile(r"^\| `processSlot<([^`]+)>` \|", re.MULTILINE)
 
 
 def without_comments(code):
@@ -30,12 +33,12 @@ def shared_in(root, folders=FOLDERS):
     members, slots = set(), set()
     for folder in folders:
         for path in sorted(Path(root, folder).rglob("*")):
-            if path.suffix not in {".h", ".cpp"}:
+            if path.suffix not in {".h", ".cpp", ".mm"}:
                 continue
             code = without_comments(path.read_text(encoding="utf-8"))
             name = path.relative_to(root).as_posix()
             members |= {(name, next(filter(None, match.groups()))) for match in SHARED.finditer(code)}
-            slots |= set(SLOT.findall(code))
+            slots |= set(SLOT.findall(code)) - set(PARAMETER.findall(code))
     return members, slots
 
 
@@ -76,6 +79,9 @@ class Check(unittest.TestCase):
         self.assertEqual(self.complaintsAbout("processSlot<const Image>().load();\n", ""),
                          [f"{PAGE} lacks a row \"| `processSlot<const Image>` |\""])
         self.assertEqual(self.complaintsAbout("processSlot<const Image>().load();\n", "| `processSlot<const Image>` |\n"), [])
+
+    def test_ParameterOfATemplateIsNoSlot(self):
+        self.assertEqual(self.complaintsAbout("template <class Role>\nauto a() { return processSlot<Role>(); }\n", ""), [])
 
     def test_RowOfWhatIsGoneIsAMistake(self):
         self.assertEqual(self.complaintsAbout("int a;\n", "| `host/A.h` `mutex_` | x |\n| `processSlot<A>` | x |\n"),
