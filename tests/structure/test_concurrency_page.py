@@ -20,8 +20,7 @@ SHARED = re.compile(
 SLOT = re.compile(r"\bprocessSlot<((?:const )?[\w:]+)>\(\)")
 PARAMETER = re.compile(r"(?:class|typename) (\w+)[,>]")
 ROW = re.compile(r"^\| `([^`]+\.(?:h|cpp|mm))` `(\w+)` \|", re.MULTILINE)
-SLOT_PARAMETER = re.compile(r"(?:class|typename) (\w+)[,>]")
-ROW = re.compile(r"^\| `processSlot<([^`]+)>` \|", re.MULTILINE)
+SLOT_ROW = re.compile(r"^\| `processSlot<([^`]+)>` \|", re.MULTILINE)
 
 
 def without_comments(code):
