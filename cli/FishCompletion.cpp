@@ -68,9 +68,8 @@ std::string fishCompletion(const CommandDescription& program) {
     const std::string path = joined(command.words, " ");
     const auto at = [&path](const std::string& place) { return " -n '__tavlo_at \"" + path + "\"" + place + "'"; };
     for (const CommandDescription& below : command.commands) {
-      const std::string& name = below.words.back();
-      commands += " \\\n    " + quoted(path + ' ' + name);
-      lines += "complete -c tavlo" + at("") + " -a " + name + " -d " + quoted(below.text) + '\n';
+      commands += " \\\n    " + quoted(joined(below.words, " "));
+      lines += "complete -c tavlo" + at("") + " -a " + below.words.back() + " -d " + quoted(below.text) + '\n';
     }
     for (const ParameterDescription& each : command.options) {
       if (!each.value.empty()) values += " \\\n    " + quoted(path + ' ' + each.name);

@@ -20,6 +20,7 @@ struct Named {
 template <class Rows>
 [[nodiscard]] std::vector<std::string> namesOf(const Rows& rows) {
   std::vector<std::string> names;
+  names.reserve(rows.size());
   for (const auto& row : rows) names.emplace_back(row.name);
   return names;
 }
