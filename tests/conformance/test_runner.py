@@ -41,7 +41,8 @@ def with_changes(cases):
                     continue
                 steps = [*case["steps"][:number], {**step, name: changed(name, step[name])}]
                 found.append({**case, "name": f"{case['name']}{len(found)}", "steps": steps})
-                places.append(f": {found[-1]['name']}, step {number + 1}: {'one more' if name == 'package' else name}\n")
+                told = "one more" if name == "package" else name
+                places.append(f": {found[-1]['name']}, step {number + 1}: {told}\n")
     return found, places
 
 
