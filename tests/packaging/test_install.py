@@ -82,8 +82,23 @@ class Rooms(unittest.TestCase):
 
         output_of("cmake", "--build", build)
 
-        self.assertEqual(output_of(build / "rooms").splitlines(), [MD5_OF_ABC, NO_USERS])
+        self.assertEqual(output_of(build / "rooms").splitlines(), [MD5_OF_ABC, NO_USERS, *["not available"] * 3])
         self.assertNotIn("-Werror", (build / "build.ninja").read_text())
+
+
+class OwnPlatform(unittest.TestCase):
+    VIDEO = "/Documents/TavloCache/dd33e7afee05eeb1e2eb0d0ac38a5b90.mp4"
+
+    def test_OfTheExampleServesTheRoomsAlone(self):
+        build, done = configured(ROOT / "examples/custom-platform")
+        self.assertEqual(done.returncode, 0, done.stdout)
+
+        output_of("cmake", "--build", build)
+
+        self.assertEqual(output_of(build / "custom_platform").splitlines(), [
+            "log: TavloCache directory created!", *[f"log: Cached directory path : {self.VIDEO}"] * 2,
+            f"video: {self.VIDEO}", f"log: Cached directory path : {self.VIDEO}",
+            "log: getCacheVideoDataPath() - ERROR: Cache Video Data  does not exist", "video: (null)"])
 
 
 class Everything(unittest.TestCase):
@@ -163,6 +178,13 @@ class WrongUse(unittest.TestCase):
         error = error_of("find_package(Tavlo CONFIG REQUIRED COMPONENTS utility windows)")
 
         self.assertIn('it has no component "windows". Installed are utility, linux, host, c, c_static', error)
+
+    def test_LibraryThatWasNotAskedForIsNamedWhenItIsLinked(self):
+        error = error_of("find_package(Tavlo CONFIG REQUIRED COMPONENTS utility)\n"
+                         f"add_executable(player {CONSUMERS}/rooms/Main.cpp)\n"
+                         "target_link_libraries(player PRIVATE Tavlo::linux)")
+
+        self.assertRegex(error, 'links to:? "?Tavlo::linux"? but the target was not found')
 
     def test_OtherVersionsAreNotFound(self):
         for version in ("0.0", "0.99", "1.0", "9"):

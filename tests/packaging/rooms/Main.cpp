@@ -12,4 +12,10 @@ int main() {
   int unused;  // the library's warnings are not the consumer's
   std::puts(tavlo::TavloUtility::md5(tavlo::Value("abc"))->c_str());
   std::puts(tavlo::TavloUtility::getUserInfoRequestString().c_str());
+
+  // Without a platform every operation answers, and nothing is kept.
+  tavlo::TavloUtility::setAppIdToUserDefault("app");
+  std::puts(tavlo::TavloUtility::getAppIdFromUserDefault() ? "kept" : "not available");
+  std::puts(tavlo::TavloUtility::getDocumentDirectoryPath("a.mp4") ? "a path" : "not available");
+  std::puts(tavlo::TavloUtility::deleteCachedVideo("/a.mp4") ? "removed" : "not available");
 }
