@@ -21,9 +21,12 @@ bool isUsable(const Text& path) { return path && !path->empty() && path->find('\
 
 FileResult namesNothing() { return FileResult::failure("no path: it is absent, empty or holds a NUL"); }
 
+// The platform's own description, which on the device names the path; GNUstep Base's does not.
 FileResult result(bool succeeded, NSError* error, const Text& path) {
   if (succeeded) return FileResult::success();
-  return FileResult::failure(textOf([error description]).value_or("the platform gives no reason: " + *path));
+  std::string description = textOf([error description]).value_or("the platform gives no reason");
+  if (description.find(*path) == std::string::npos) description.append(": ").append(*path);
+  return FileResult::failure(std::move(description));
 }
 
 FileResult systemFailure(const std::string& path) {
