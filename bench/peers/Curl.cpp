@@ -1,4 +1,5 @@
 #include <curl/curl.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -11,6 +12,11 @@
 #include "bench/peers/Peers.h"
 
 namespace tavlo::bench::peers {
+namespace {
+
+constexpr int kBackground = 10;
+
+}  // namespace
 
 std::string curlEscape(std::string_view text) {
   char* const escaped = curl_easy_escape(nullptr, text.data(), static_cast<int>(text.size()));
@@ -60,6 +66,8 @@ void CurlDownloads::fetch(const std::vector<Download>& downloads) {
   std::vector<std::thread> threads;
   for (const auto& handle : handles_) {
     threads.emplace_back([&, handle = handle.get()] {
+      // In the background like ours, since the server wants the same cores.
+      static_cast<void>(::setpriority(PRIO_PROCESS, static_cast<id_t>(::gettid()), kBackground));
       for (std::size_t i = next++; i < downloads.size(); i = next++) {
         if (!handle->fetch(downloads[i])) failed = true;
       }

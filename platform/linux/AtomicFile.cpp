@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <string>
+#include <utility>
 
 #include "platform/linux/FileOps.h"
 
@@ -73,28 +74,43 @@ class Temporary {
   bool renamed_ = false;
 };
 
-void removeIfAbandoned(Syscalls& syscalls, const std::filesystem::path& path) {
+// False: it is still there, and not because its owner lives.
+bool removeIfAbandoned(Syscalls& syscalls, const std::filesystem::path& path) {
   const FileDescriptor file = openFile(syscalls, path, O_RDONLY | O_NOFOLLOW | O_NONBLOCK);
+  if (!file) return errno == ENOENT;
+  if (!tryLock(syscalls, file.get())) return errno == EWOULDBLOCK;
   // Named still: the owner may have renamed it since it was opened here, and then the lock is free as well.
-  if (file && tryLock(syscalls, file.get()) && isNamed(syscalls, file.get(), path)) removeFile(syscalls, path);
+  return isNamed(syscalls, file.get(), path) && removeFile(syscalls, path);
 }
 
 }  // namespace
 
-bool replaceFile(Syscalls& syscalls, const std::filesystem::path& temporaryFolder, const std::filesystem::path& target,
-                 std::string_view bytes, platform::Durable durable) {
-  sweepTemporaries(syscalls, temporaryFolder);
-  Temporary temporary(syscalls, temporaryFolder);
-  return temporary && temporary.write(bytes) && temporary.renameTo(target) &&
-         (durable == platform::Durable::contents || syncFolder(syscalls, target.parent_path()));
+FileReplacer::FileReplacer(Syscalls& syscalls, std::filesystem::path temporaryFolder)
+    : syscalls_(syscalls), temporaryFolder_(std::move(temporaryFolder)) {}
+
+bool FileReplacer::replace(const std::filesystem::path& target, std::string_view bytes, platform::Durable durable) {
+  if (!swept_) swept_ = sweepTemporaries(syscalls_, temporaryFolder_);
+  Temporary temporary(syscalls_, temporaryFolder_);
+  const bool replaced = temporary && temporary.write(bytes) && temporary.renameTo(target) &&
+                        (durable == platform::Durable::contents || syncFolder(syscalls_, target.parent_path()));
+  if (!replaced) swept_ = false;
+  return replaced;
 }
 
-void sweepTemporaries(Syscalls& syscalls, const std::filesystem::path& temporaryFolder) {
+bool replaceFile(Syscalls& syscalls, const std::filesystem::path& temporaryFolder, const std::filesystem::path& target,
+                 std::string_view bytes, platform::Durable durable) {
+  return FileReplacer(syscalls, temporaryFolder).replace(target, bytes, durable);
+}
+
+bool sweepTemporaries(Syscalls& syscalls, const std::filesystem::path& temporaryFolder) {
   const auto names = syscalls.folderNames(temporaryFolder.c_str());
-  if (!names) return;
+  if (!names) return false;
+  bool swept = true;
   for (const std::string& name : *names) {
-    if (name.starts_with(kPrefix) && name.ends_with(kSuffix)) removeIfAbandoned(syscalls, temporaryFolder / name);
+    if (!name.starts_with(kPrefix) || !name.ends_with(kSuffix)) continue;
+    swept = removeIfAbandoned(syscalls, temporaryFolder / name) && swept;
   }
+  return swept;
 }
 
 }  // namespace tavlo::linux_platform

@@ -7,7 +7,6 @@
 #include <system_error>
 #include <utility>
 
-#include "platform/linux/AtomicFile.h"
 #include "platform/linux/FileOps.h"
 #include "platform/linux/RemoveTree.h"
 
@@ -37,7 +36,10 @@ FileResult namesNothing() { return FileResult::failure("no path: it is absent, e
 }  // namespace
 
 LinuxFileManager::LinuxFileManager(Container container, Syscalls& syscalls)
-    : container_(std::move(container)), documents_(container_.documents().string()), syscalls_(syscalls) {}
+    : container_(std::move(container)),
+      documents_(container_.documents().string()),
+      syscalls_(syscalls),
+      replacer_(syscalls, container_.temporary()) {}
 
 // Where it cannot be made, what is to be made in it fails, and tells why.
 Text LinuxFileManager::documentDirectory() {
@@ -106,9 +108,8 @@ std::optional<std::string> LinuxFileManager::dataWithContentsOfFile(const Text& 
 FileResult LinuxFileManager::writeToFileAtomically(std::string_view bytes, const Text& path,
                                                    platform::Durable durable) {
   if (!isUsable(path)) return namesNothing();
-  const auto temporary = container_.temporary();
-  const auto write = [&] { return replaceFile(syscalls_, temporary, *path, bytes, durable); };
-  return result(container_.makeFolder(temporary, Container::Durable::fresh, syscalls_) &&
+  const auto write = [&] { return replacer_.replace(*path, bytes, durable); };
+  return result(container_.makeFolder(container_.temporary(), Container::Durable::fresh, syscalls_) &&
                     (write() || (documentsCameBack(*path) && write())),
                 path);
 }

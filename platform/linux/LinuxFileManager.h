@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "platform/FileManager.h"
+#include "platform/linux/AtomicFile.h"
 #include "platform/linux/Container.h"
 #include "platform/linux/Syscalls.h"
 
@@ -47,6 +48,7 @@ class LinuxFileManager final : public platform::FileManager {
   const std::string documents_;
   std::atomic<bool> documentsWereThere_ = false;
   Syscalls& syscalls_;
+  FileReplacer replacer_;
 };
 
 }  // namespace tavlo::linux_platform

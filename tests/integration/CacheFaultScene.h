@@ -38,8 +38,12 @@ class FaultyPlatform final : public platform::Platform, platform::BackgroundQueu
 };
 
 struct CacheFaultScene {
-  CacheFaultScene() {
-    static_cast<void>(platform->fileManager().documentDirectory());
+  CacheFaultScene() { start(); }
+
+  // With files that know of no earlier call, as those of an app that has just been started.
+  void start() {
+    platform.emplace(folder.path(), syscalls);
+    static_cast<void>((*platform)->fileManager().documentDirectory());
     syscalls.forget();
   }
 
@@ -75,7 +79,7 @@ struct CacheFaultScene {
 
   TemporaryFolder folder{TemporaryFolder::inMemory()};
   FaultySyscalls syscalls{folder.path().string()};
-  InstalledPlatform<FaultyPlatform> platform{folder.path(), syscalls};
+  std::optional<InstalledPlatform<FaultyPlatform>> platform;
   Installed<Logger, RecordingLogger> lines;
 };
 

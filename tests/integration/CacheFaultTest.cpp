@@ -163,7 +163,7 @@ class CacheFault : public testing::TestWithParam<Operation> {
   Fault failAt(std::size_t n, int error) {
     Fault fault;
     GetParam().prepare(scene_);
-    scene_.syscalls.forget();
+    scene_.start();
     scene_.syscalls.setHook([&, left = n](const std::string& call) mutable {
       if (left-- != 0) return 0;
       fault = {.call = call, .error = error};

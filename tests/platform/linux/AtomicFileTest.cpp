@@ -13,7 +13,6 @@ namespace tavlo::test {
 namespace {
 
 namespace fs = std::filesystem;
-using linux_platform::replaceFile;
 using linux_platform::sweepTemporaries;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -28,12 +27,13 @@ class AtomicFile : public testing::Test {
     for (const auto& entry : fs::directory_iterator(temporary_)) names.push_back(entry.path().filename().string());
     return names;
   }
-  [[nodiscard]] bool replace(const std::string& bytes) { return replaceFile(syscalls_, temporary_, target_, bytes); }
+  [[nodiscard]] bool replace(const std::string& bytes) { return replacer_.replace(target_, bytes); }
 
   TemporaryFolder folder_;
   fs::path temporary_ = folder_ / "tmp";
   fs::path target_ = folder_ / "target";
   FaultySyscalls syscalls_{folder_.path().string()};
+  linux_platform::FileReplacer replacer_{syscalls_, temporary_};
 };
 
 TEST_F(AtomicFile, MakesAFileOfTheUsersAlone) {
@@ -94,6 +94,20 @@ TEST_F(AtomicFile, AnAbandonedTemporaryIsGoneBeforeTheNextOneIsMade) {
   const auto calls = syscalls_.calls();
   const auto swept = std::find(calls.begin(), calls.end(), "unlink tmp/tavlo-#.tmp");
   EXPECT_EQ(std::count(swept, calls.end(), "write tmp/tavlo-#.tmp"), 1);
+}
+
+TEST_F(AtomicFile, TheTemporariesAreListedForTheFirstFileAndAgainAfterAFailure) {
+  ASSERT_TRUE(replace("new"));
+  ASSERT_TRUE(replace("newer"));
+  EXPECT_EQ(syscalls_.count("folderNames tmp"), 1U);
+
+  syscalls_.setHook(failing("fsync tmp/", ENOSPC));
+  ASSERT_FALSE(replace("newest"));
+  writeFile(temporary_ / "tavlo-1-1.tmp", "of a process that was killed");
+  ASSERT_TRUE(replace("newest"));
+
+  EXPECT_EQ(syscalls_.count("folderNames tmp"), 2U);
+  EXPECT_THAT(temporaries(), IsEmpty());
 }
 
 TEST_F(AtomicFile, ATemporaryWhoseOwnerLivesIsLeftAlone) {

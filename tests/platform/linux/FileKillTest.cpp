@@ -40,13 +40,15 @@ class FilesAfterAKill : public testing::Test {
   }
 
   [[nodiscard]] std::string at(const std::string& name) const { return (folder_ / name).string(); }
+  // Those of an app that has just been started.
+  [[nodiscard]] LinuxFileManager files() { return LinuxFileManager(container_, syscalls_); }
   [[nodiscard]] std::size_t temporaries() const {
     return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder_ / "tmp"), {}));
   }
 
   TemporaryFolder folder_;
+  Container container_ = *Container::locate(folder_.path(), "player");
   FaultySyscalls syscalls_{folder_.path().string()};
-  LinuxFileManager files_{*Container::locate(folder_.path(), "player"), syscalls_};
 };
 
 TEST_F(FilesAfterAKill, AnImageIsTheOldOneOrTheNewOne) {
@@ -54,10 +56,10 @@ TEST_F(FilesAfterAKill, AnImageIsTheOldOneOrTheNewOne) {
   const std::string after(90000, 'n');
   int n = 1;
   for (;; ++n) {
-    ASSERT_TRUE(files_.writeToFileAtomically(before, at("image"), Durable::contents));
+    ASSERT_TRUE(files().writeToFileAtomically(before, at("image"), Durable::contents));
 
     const bool killed =
-        killAt(n, [&] { static_cast<void>(files_.writeToFileAtomically(after, at("image"), Durable::contents)); });
+        killAt(n, [&] { static_cast<void>(files().writeToFileAtomically(after, at("image"), Durable::contents)); });
 
     const std::string found = readFile(folder_ / "image");
     EXPECT_TRUE(found == before || found == after) << "killed at call " << n << ": " << found.size() << " bytes";
@@ -66,7 +68,7 @@ TEST_F(FilesAfterAKill, AnImageIsTheOldOneOrTheNewOne) {
   }
 
   EXPECT_GE(n, 10);
-  ASSERT_TRUE(files_.writeToFileAtomically("last", at("image"), Durable::contents));
+  ASSERT_TRUE(files().writeToFileAtomically("last", at("image"), Durable::contents));
   EXPECT_EQ(temporaries(), 0U);
 }
 
@@ -78,11 +80,11 @@ TEST_F(FilesAfterAKill, WhatARemovalLeftTheNextOneTakes) {
       writeFile(folder_ / file, "whole");
     }
 
-    const bool killed = killAt(n, [&] { static_cast<void>(files_.removeItemAtPath(at("tree"), Removal::anything)); });
+    const bool killed = killAt(n, [&] { static_cast<void>(files().removeItemAtPath(at("tree"), Removal::anything)); });
 
     EXPECT_EQ(readFile(folder_ / "beside"), "whole");
     const bool left = fs::exists(folder_ / "tree");
-    EXPECT_EQ(static_cast<bool>(files_.removeItemAtPath(at("tree"), Removal::anything)), left);
+    EXPECT_EQ(static_cast<bool>(files().removeItemAtPath(at("tree"), Removal::anything)), left);
     EXPECT_FALSE(fs::exists(folder_ / "tree")) << "killed at call " << n;
     if (!killed) break;
   }
