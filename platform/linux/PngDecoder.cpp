@@ -40,12 +40,15 @@ class Pixels final : public platform::Image {
   const std::vector<std::uint8_t> bytes_;
 };
 
+}  // namespace
+
+// Static, because g++ lets functions of C out of an unnamed namespace, where they meet others of the same name.
 extern "C" {
 
-void failed(png_structp png, png_const_charp) { png_longjmp(png, 1); }
-void ignored(png_structp, png_const_charp) {}
+static void failed(png_structp png, png_const_charp) { png_longjmp(png, 1); }
+static void ignored(png_structp, png_const_charp) {}
 
-void copyFromMemory(png_structp png, png_bytep to, std::size_t size) {
+static void copyFromMemory(png_structp png, png_bytep to, std::size_t size) {
   auto& input = *static_cast<Input*>(png_get_io_ptr(png));
   if (size > input.left.size()) png_error(png, "the file ends too early");
   if (png_get_io_chunk_type(png) == kPixelChunk && (png_get_io_state(png) & PNG_IO_CHUNK_DATA) != 0) {
@@ -57,6 +60,8 @@ void copyFromMemory(png_structp png, png_bytep to, std::size_t size) {
 }
 
 }  // extern "C"
+
+namespace {
 
 class Decoder {
  public:
