@@ -10,8 +10,8 @@ from pathlib import Path
 
 from script_run import ROOT, Run
 
-SCRIPTS = ["scripts/bench.sh", "scripts/coverage.sh", "scripts/docs.sh", "scripts/fuzz.sh", "scripts/release.sh", "scripts/setup.sh",
-           "scripts/test.sh", "scripts/trust.sh", "scripts/demo.sh", ".ci/run"]
+SCRIPTS = ["scripts/abi.sh", "scripts/bench.sh", "scripts/coverage.sh", "scripts/docs.sh", "scripts/fuzz.sh",
+           "scripts/release.sh", "scripts/setup.sh", "scripts/test.sh", "scripts/trust.sh", "scripts/demo.sh", ".ci/run"]
 
 UPDATE = "apt-get update --quiet --quiet"
 INSTALL = "apt-get install --yes --no-install-recommends "
@@ -168,8 +168,9 @@ class Ci(unittest.TestCase):
         self.assertEqual(run.status, 0)
         self.assertEqual(run.calls, ["cmake --preset tsan-clang", "cmake --build --preset tsan-clang",
                                      "ctest --preset tsan-clang --parallel 3 -R Thread",
-                                     "shellcheck scripts/bench.sh scripts/coverage.sh scripts/demo.sh scripts/docs.sh "
-                                     "scripts/fuzz.sh scripts/release.sh scripts/setup.sh scripts/test.sh scripts/trust.sh .ci/run"])
+                                     "shellcheck scripts/abi.sh scripts/bench.sh scripts/coverage.sh scripts/demo.sh "
+                                     "scripts/docs.sh scripts/fuzz.sh scripts/release.sh scripts/setup.sh "
+                                     "scripts/test.sh scripts/trust.sh .ci/run"])
         self.assertIn("==> shell passed in", run.out)
         self.assertIn("==> all passed in", run.out)
 
