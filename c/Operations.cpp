@@ -19,6 +19,11 @@ using ImagePointer = std::shared_ptr<const platform::Image>;
 const BundlePointer& bundleOf(const tavlo_bundle* handle) { return *reinterpret_cast<const BundlePointer*>(handle); }
 const ImagePointer& imageOf(const tavlo_image* handle) { return *reinterpret_cast<const ImagePointer*>(handle); }
 
+template <class Handle, class Shared>
+Handle* shareOf(Shared shared) {
+  return reinterpret_cast<Handle*>(new Shared(std::move(shared)));
+}
+
 // An operation whose result is shared; the handle is a share.
 template <class Handle, class Operation>
 tavlo_status givingShare(const char* function, Handle** result, const Operation& operation) noexcept {
@@ -26,7 +31,7 @@ tavlo_status givingShare(const char* function, Handle** result, const Operation&
   return guarded(function, [&] {
     require(static_cast<const void*>(result), "the result");
     auto shared = operation();
-    if (shared) *result = reinterpret_cast<Handle*>(new decltype(shared)(std::move(shared)));
+    if (shared) *result = shareOf<Handle>(std::move(shared));
   });
 }
 

@@ -5,6 +5,22 @@
 namespace tavlo::c {
 namespace {
 
+#define TAVLO_SAME(kind, number) static_assert(static_cast<tavlo_kind>(Value::Kind::kind) == TAVLO_KIND_##number);
+TAVLO_SAME(null, NULL)
+TAVLO_SAME(boolean, BOOLEAN)
+TAVLO_SAME(integer, INTEGER)
+TAVLO_SAME(real, REAL)
+TAVLO_SAME(date, DATE)
+TAVLO_SAME(text, TEXT)
+TAVLO_SAME(data, DATA)
+TAVLO_SAME(url, URL)
+TAVLO_SAME(uid, UID)
+TAVLO_SAME(list, LIST)
+TAVLO_SAME(set, SET)
+TAVLO_SAME(map, MAP)
+TAVLO_SAME(object, OBJECT)
+#undef TAVLO_SAME
+
 // Puts what was read where it is wanted; false when one of both is not there.
 template <class From, class To>
 bool put(const From* from, To* to) {

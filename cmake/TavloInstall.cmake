@@ -44,10 +44,10 @@ function(tavlo_public_headers)
   set_property(GLOBAL PROPERTY TAVLO_PUBLISHED ${done})
 endfunction()
 
-# tavlo_install_library(component DESCRIPTION text HEADERS header... [NEEDS component...]): the library
-# tavlo_COMPONENT as Tavlo::COMPONENT and as tavlo-COMPONENT.pc, where "_" is "-".
+# tavlo_install_library(component DESCRIPTION text HEADERS header... [NEEDS component...] [LIBS flag...]): the library
+# tavlo_COMPONENT as Tavlo::COMPONENT and as tavlo-COMPONENT.pc, where "_" is "-" and the flags follow the library.
 function(tavlo_install_library component)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "DESCRIPTION" "HEADERS;NEEDS")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "DESCRIPTION" "HEADERS;NEEDS;LIBS")
   set(target tavlo_${component})
   tavlo_public_headers(${arg_HEADERS})
   if(NOT TAVLO_INSTALL)
@@ -96,7 +96,8 @@ function(tavlo_install_library component)
   if(NOT name)
     set(name ${target})
   endif()
-  set(TAVLO_PC_LIBS "-l${name}")
+  list(JOIN arg_LIBS " " libraries)
+  string(STRIP "-l${name} ${libraries}" TAVLO_PC_LIBS)
   if(options)
     string(REPLACE "LINKER:" "-Wl," options "${options}")
     string(PREPEND TAVLO_PC_LIBS "${options} ")
@@ -126,7 +127,7 @@ function(tavlo_install_package)
 endfunction()
 
 tavlo_install_library(utility DESCRIPTION "Requests, media cache and services of a video-advertising SDK"
-  HEADERS TavloUtility.h TavloVersion.h common/Logger.h common/TavloException.h platform/Platform.h request/Contracts.h
+  LIBS -lm HEADERS TavloUtility.h TavloVersion.h common/Logger.h common/TavloException.h platform/Platform.h request/Contracts.h
     request/DataBaseHandler.h request/TavloPackage.h request/TavloUniqueUserHandler.h)
 if(TAVLO_BUILD_LINUX)
   tavlo_install_library(linux DESCRIPTION "The services of tavlo-utility on Linux" NEEDS utility
@@ -147,7 +148,8 @@ if(TARGET tavlo_c)
     set(needs NEEDS utility linux host)
   endif()
   tavlo_install_library(c DESCRIPTION "tavlo-utility for C" ${needs})
-  tavlo_install_library(c_static DESCRIPTION "tavlo-utility for C, to link statically" NEEDS utility linux host)
+  tavlo_install_library(c_static DESCRIPTION "tavlo-utility for C, to link statically" NEEDS utility linux host
+    LIBS -lstdc++)  # which a linker for C++ adds by itself
 endif()
 if(NOT TAVLO_INSTALL)
   return()
