@@ -118,6 +118,18 @@ class GettingStarted(unittest.TestCase):
         self.assertGreaterEqual(done["text"], 4)
 
 
+class Readme(unittest.TestCase):
+    def test_TenLinesOfUseCompile(self):
+        text = (ROOT / "README.md").read_text(encoding="utf-8")
+        blocks = [body for language, _, body in BLOCK.findall(text) if language == "cpp"]
+
+        self.assertEqual(len(blocks), 1)
+        self.assertLessEqual(blocks[0].count("\n"), 10)
+        done = subprocess.run([COMPILER, "-std=c++20", "-fsyntax-only", f"-I{BUILD}/include/tavlo", "-x", "c++", "-"],
+                              input=blocks[0], stderr=subprocess.PIPE, text=True, cwd="/")
+        self.assertEqual(done.returncode, 0, done.stderr)
+
+
 if __name__ == "__main__":
     ROOT, BUILD, COMPILER = Path(sys.argv.pop(1)), Path(sys.argv.pop(1)), sys.argv.pop(1)
     unittest.main()
