@@ -42,6 +42,11 @@ tavlo_status told(const char* function, tavlo_status status, std::string_view wh
   return status;
 }
 
+// Such a size is a negative number's, or was never set.
+void checkSize(tavlo_text text, const char* what) {
+  if (text.size > PTRDIFF_MAX) throw Misuse("the size of " + std::string(what) + " is beyond that of any text");
+}
+
 }  // namespace
 
 tavlo_status statusOfHandled(const char* function) noexcept {
@@ -73,15 +78,15 @@ void require(const void* pointer, const char* what) {
 }
 
 Text textOf(tavlo_text text, const char* what) {
-  if (text.size > PTRDIFF_MAX) throw Misuse(std::string(what) + " has a size that no text has");
+  checkSize(text, what);
   if (text.data) return std::string(text.data, text.size);
-  if (text.size != 0) throw Misuse(std::string(what) + " has a size, but its data is a null pointer");
-  return std::nullopt;
+  if (text.size == 0) return std::nullopt;
+  throw Misuse("the data of " + std::string(what) + " is a null pointer, but its size is " + std::to_string(text.size));
 }
 
 std::string_view viewOf(tavlo_text text, const char* what) {
   if (!text.data) throw Misuse(std::string(what) + " must not be absent");
-  if (text.size > PTRDIFF_MAX) throw Misuse(std::string(what) + " has a size that no text has");
+  checkSize(text, what);
   return {text.data, text.size};
 }
 

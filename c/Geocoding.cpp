@@ -13,13 +13,13 @@ platform::Placemark placemarkOf(const tavlo_placemark* given) {
   require(given, "a placemark");
   const tavlo_placemark placemark = sizedCopy(*given, "tavlo_placemark");
   return {
-      .ISOcountryCode = textOf(placemark.ISOcountryCode, "ISOcountryCode"),
-      .country = textOf(placemark.country, "country"),
-      .postalCode = textOf(placemark.postalCode, "postalCode"),
-      .administrativeArea = textOf(placemark.administrativeArea, "administrativeArea"),
-      .locality = textOf(placemark.locality, "locality"),
-      .subLocality = textOf(placemark.subLocality, "subLocality"),
-      .thoroughfare = textOf(placemark.thoroughfare, "thoroughfare"),
+      .ISOcountryCode = textOf(placemark.ISOcountryCode, "the ISOcountryCode"),
+      .country = textOf(placemark.country, "the country"),
+      .postalCode = textOf(placemark.postalCode, "the postalCode"),
+      .administrativeArea = textOf(placemark.administrativeArea, "the administrativeArea"),
+      .locality = textOf(placemark.locality, "the locality"),
+      .subLocality = textOf(placemark.subLocality, "the subLocality"),
+      .thoroughfare = textOf(placemark.thoroughfare, "the thoroughfare"),
   };
 }
 

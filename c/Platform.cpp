@@ -75,11 +75,11 @@ std::optional<std::filesystem::path> pathOf(tavlo_text text, const char* what) {
 
 linux_platform::Options optionsOf(const tavlo_platform& platform, const Services& services) {
   linux_platform::Options options;
-  options.container = pathOf(platform.container, "container");
-  options.domain = textOf(platform.domain, "domain").value_or("");
-  options.resources = pathOf(platform.resources, "resources");
-  options.certificateAuthorities = pathOf(platform.certificate_authorities, "certificate_authorities");
-  options.geocoding.url = textOf(platform.geocoding_url, "geocoding_url").value_or("");
+  options.container = pathOf(platform.container, "the container");
+  options.domain = textOf(platform.domain, "the domain").value_or("");
+  options.resources = pathOf(platform.resources, "the resources");
+  options.certificateAuthorities = pathOf(platform.certificate_authorities, "the certificate_authorities");
+  options.geocoding.url = textOf(platform.geocoding_url, "the geocoding_url").value_or("");
   options.quietConsole = platform.quiet_console;
   options.locationServices = services.location;
   options.geocoder = services.geocoder;

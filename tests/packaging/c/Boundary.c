@@ -17,7 +17,7 @@ static void checkMisuse(void) {
   isText("its error", tavlo_last_error(), "tavlo_getUserInfoRequestString: the result must not be a null pointer");
   isNumber("a size without data", tavlo_getCacheVideoDataPath(noData, &text), TAVLO_MISUSE);
   isText("its error", tavlo_last_error(),
-         "tavlo_getCacheVideoDataPath: the URL has a size, but its data is a null pointer");
+         "tavlo_getCacheVideoDataPath: the data of the URL is a null pointer, but its size is 5");
   isNumber("the result is absent", text.data == NULL && text.size == 0, true);
   isNumber("no name", tavlo_getDocumentDirectoryPath(tavlo_text_of(NULL), &text), TAVLO_MISUSE);
   isNumber("no bundle", tavlo_bundle_path(NULL, tavlo_text_of("a"), tavlo_text_of("b"), &text), TAVLO_MISUSE);
