@@ -80,7 +80,9 @@ void sortByRank(std::vector<Ranked>& order) {
   const int end = std::numeric_limits<std::uint64_t>::digits - std::countl_zero(differing);
   std::vector<Ranked> sorted(order.size());
   for (int shift = std::countr_zero(differing); shift < end; shift += kDigit) {
-    const auto digitOf = [=](const Ranked& each) { return each.rank >> shift & ((1U << kDigit) - 1); };
+    const auto digitOf = [=](const Ranked& each) {
+      return static_cast<std::size_t>(each.rank >> shift & ((1U << kDigit) - 1));
+    };
     std::array<std::size_t, 1U << kDigit> places{};  // how many have the digit, and then where the next of them goes
     for (const Ranked& each : order) ++places[digitOf(each)];
     std::exclusive_scan(places.begin(), places.end(), places.begin(), std::size_t{0});
