@@ -53,7 +53,7 @@ std::vector<std::string> KilledProgram::killAfter(std::chrono::microseconds dela
   const auto end = steady_clock::now() + delay;
   for (nanoseconds left = delay; left.count() > 0; left = end - steady_clock::now()) {
     const auto seconds = std::chrono::floor<std::chrono::seconds>(left);
-    const timespec timeout{.tv_sec = seconds.count(), .tv_nsec = (left - seconds).count()};
+    const timespec timeout{.tv_sec = seconds.count(), .tv_nsec = static_cast<long>((left - seconds).count())};
     pollfd output{.fd = output_, .events = POLLIN, .revents = 0};
     if (::ppoll(&output, 1, &timeout, nullptr) > 0 && !readMore()) break;
   }

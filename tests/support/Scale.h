@@ -1,6 +1,6 @@
 // How often a test of races and random inputs repeats itself: seldom in the suite, as often as the plan of tests asks
 // for with --full (or TAVLO_TEST_FULL=1 in the environment), and a tenth under ThreadSanitizer, which is slow and sees
-// a race without repetition.
+// a race without repetition, and in an emulator, which is slow, too, and there for what another processor does.
 #pragma once
 
 #include <algorithm>
@@ -18,8 +18,14 @@ inline constexpr bool kUnderThreadSanitizer = __has_feature(thread_sanitizer);
 inline constexpr bool kUnderThreadSanitizer = false;
 #endif
 
+#ifdef TAVLO_TEST_EMULATED
+inline constexpr bool kEmulated = true;
+#else
+inline constexpr bool kEmulated = false;
+#endif
+
 [[nodiscard]] inline int scaled(int repetitions) {
-  return std::max(1, kUnderThreadSanitizer ? repetitions / 10 : repetitions);
+  return std::max(1, kUnderThreadSanitizer || kEmulated ? repetitions / 10 : repetitions);
 }
 
 [[nodiscard]] inline bool atFullFigures() { return std::getenv("TAVLO_TEST_FULL") != nullptr; }

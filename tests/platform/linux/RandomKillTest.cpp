@@ -102,7 +102,7 @@ class RandomKill : public testing::Test {
       words >> event >> key >> number;
       event == "done" ? histories.at(key).done(number) : histories.at(key).started(number);
       acknowledged += event == "done" ? 1 : 0;
-      next_ = std::max(next_, std::stoul(number) + 1);
+      next_ = std::max<std::size_t>(next_, std::stoul(number) + 1);
     }
 
     const auto after = found();

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <latch>
+#include <limits>
 #include <memory>
 #include <mutex>
 #include <set>
@@ -23,14 +24,14 @@ using linux_platform::WorkerQueue;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-// New threads of the process ask for more stack than there are addresses, so that none can be made.
+// New threads of the process ask for nearly all addresses as their stack, so that none can be made.
 class NoThreads {
  public:
   NoThreads() {
     pthread_getattr_default_np(&before_);
     pthread_attr_t huge;
     pthread_attr_init(&huge);
-    EXPECT_EQ(pthread_attr_setstacksize(&huge, std::size_t{1} << 47U), 0);
+    EXPECT_EQ(pthread_attr_setstacksize(&huge, std::numeric_limits<std::size_t>::max() / 64 * 63), 0);
     EXPECT_EQ(pthread_setattr_default_np(&huge), 0);
     pthread_attr_destroy(&huge);
   }
