@@ -10,6 +10,7 @@
 #include "cache/KeyedArchive.h"
 #include "common/Utf8.h"
 #include "tests/cache/ArchiveContents.h"
+#include "tests/support/AnyDouble.h"
 #include "tests/support/Python.h"
 #include "tests/support/Scale.h"
 #include "tests/support/Seed.h"
@@ -75,7 +76,7 @@ class RandomValues {
         return whom_ == For::python ? Integer::of(generator_())
                                     : Integer{.high = static_cast<std::int64_t>(generator_()), .low = generator_()};
       case 4: return real();
-      case 5: return Date{.seconds = std::bit_cast<double>(generator_())};
+      case 5: return Date{.seconds = test::anyDouble(generator_())};
       case 6: return Value::data(text());
       case 7: return oneIn(2) ? url(3) : Value(text());
       default: return Uid{.index = 0};
@@ -83,7 +84,7 @@ class RandomValues {
   }
 
   Value real() {
-    if (oneIn(2)) return std::bit_cast<double>(generator_());
+    if (oneIn(2)) return test::anyDouble(generator_());
     // Python turns a signalling 32-bit value that is no number into a quiet one.
     const auto narrow = std::bit_cast<float>(static_cast<std::uint32_t>(generator_()) & ~0x00800000U);
     return Real{.value = static_cast<double>(narrow), .narrow = true};

@@ -9,6 +9,7 @@
 
 #include "common/PropertyList.h"
 #include "common/Utf8.h"
+#include "tests/support/AnyDouble.h"
 #include "tests/support/Python.h"
 #include "tests/support/Scale.h"
 #include "tests/support/Seed.h"
@@ -82,14 +83,14 @@ class RandomValues {
   }
 
   Value real() {
-    if (oneIn(2)) return std::bit_cast<double>(generator_());
+    if (oneIn(2)) return test::anyDouble(generator_());
     // Python turns a signalling 32-bit value that is no number into a quiet one.
     const auto narrow = std::bit_cast<float>(static_cast<std::uint32_t>(generator_()) & ~0x00800000U);
     return Real{.value = static_cast<double>(narrow), .narrow = true};
   }
 
   Value date() {
-    if (whom_ == For::ourselves) return Date{.seconds = std::bit_cast<double>(generator_())};
+    if (whom_ == For::ourselves) return Date{.seconds = test::anyDouble(generator_())};
     return Date{.seconds = (static_cast<double>(below(120'000'000'000)) - 6e10) / 2};
   }
 
