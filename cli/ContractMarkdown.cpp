@@ -9,7 +9,12 @@
 namespace tavlo::cli {
 namespace {
 
-std::string code(std::string_view text) { return '`' + std::string(text) + '`'; }
+std::string code(std::string_view text) { return std::string(1, '`').append(text).append(1, '`'); }
+
+void appendListed(std::string& list, std::string_view separator, std::string_view item) {
+  if (!list.empty()) list.append(separator);
+  list.append(item);
+}
 
 // The other pairs of a contract that carry what this pair carries: "`device_id`, `os_id`", each with its rendering
 // where that is another one.
@@ -17,8 +22,8 @@ std::string pairsOfSameSource(const Contract& contract, const Pair& pair) {
   std::string keys;
   for (const Pair& other : contract.pairs) {
     if (&other == &pair || sourceText(other.source) != sourceText(pair.source)) continue;
-    keys += (keys.empty() ? "" : ", ") + code(other.key);
-    if (other.rendering != pair.rendering) keys += " " + std::string(renderingName(other.rendering));
+    appendListed(keys, ", ", code(other.key));
+    if (other.rendering != pair.rendering) keys.append(1, ' ').append(renderingName(other.rendering));
   }
   return keys;
 }
@@ -28,14 +33,17 @@ std::string alsoSent(const Pair& pair) {
   std::string places;
   for (const Contract& contract : kContracts) {
     const std::string keys = pairsOfSameSource(contract, pair);
-    if (!keys.empty()) places += (places.empty() ? "" : "; ") + std::string(contract.name) + " " + keys;
+    if (!keys.empty()) appendListed(places, "; ", std::string(contract.name).append(1, ' ').append(keys));
   }
   return places;
 }
 
 void appendRow(std::string& page, const std::vector<std::string>& cells) {
   page += '|';
-  for (const std::string& cell : cells) page += cell.empty() ? " |" : " " + cell + " |";
+  for (const std::string& cell : cells) {
+    if (!cell.empty()) page.append(1, ' ').append(cell);
+    page += " |";
+  }
   page += '\n';
 }
 
@@ -47,7 +55,7 @@ std::string kindsMarkdown() {
     for (const Contract& contract : kContracts) {
       for (const Pair& pair : contract.pairs) {
         if (personalDataKind(pair.source) != data.kind || !seen.insert(pair.key).second) continue;
-        keys += (keys.empty() ? "" : ", ") + code(pair.key);
+        appendListed(keys, ", ", code(pair.key));
       }
     }
     appendRow(text, {std::string(data.kind), std::string(data.explanation), keys});
