@@ -192,6 +192,11 @@ TEST_F(ObjCSelectors, TraitsOfThePlatformAreNotTheContracts) {
   EXPECT_EQ(text([::TavloUtility getFileExtensionFromUrl:@"http://h/a.mp4;v=1"]), "mp4;v=1");
   EXPECT_EQ(text([[[NSURL URLWithString:@"http://h/a.mp4;v=1"] path] pathExtension]), "mp4");
 
+  sdk().records =
+      [NSArray arrayWithObjects:trackerRecord(@"n", @"e", @"4294967295"), trackerRecord(nil, nil, nil), nil];
+  EXPECT_EQ([[[::TavloUtility trackerNetworkSessionData] objectForKey:@"network_event_count"] count], 1U);
+  EXPECT_LT([@"4294967295" intValue], 0);
+
   EXPECT_TRUE([[NSCharacterSet whitespaceCharacterSet] characterIsMember:0x200B]);
   EXPECT_NE(text([::TavloUtility md5:string("\xE2\x80\x8Bx")]), text([::TavloUtility md5:@"x"]));
 }
