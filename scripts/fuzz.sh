@@ -2,11 +2,11 @@
 # Builds the fuzz targets and lets them look for inputs that break a promise.
 set -euo pipefail
 
-readonly USAGE="Usage: scripts/fuzz.sh [-h] MINUTES [TARGET...]
-       scripts/fuzz.sh [-h] --seconds SECONDS [TARGET...]
+readonly USAGE="Usage: scripts/fuzz.sh [-h] [--jobs N] MINUTES [TARGET...]
+       scripts/fuzz.sh [-h] [--jobs N] --seconds SECONDS [TARGET...]
 
-Installs what is missing, builds the fuzz preset and runs all targets, or those named, one after another, each for
-the time given. A target starts from its seeds and from what earlier runs kept in build/fuzz/new/TARGET, and keeps
+Installs what is missing, builds the fuzz preset and runs all targets, or those named, one after another or N at a
+time, each for the time given. A target starts from its seeds and from what earlier runs kept in build/fuzz/new/TARGET, and keeps
 there each new input that reaches new code. What it says goes to build/fuzz/TARGET.log.
 
 An input that crashes, breaks a promise, takes 10 s or 512 MiB ends its target and is left in build/fuzz/found/TARGET;
@@ -27,6 +27,12 @@ known=()
 for dictionary in fuzz/*.dict; do known+=("$(basename "$dictionary" .dict)"); done
 
 unit=60 what=MINUTES seed=0  # 0: any
+jobs=1
+if [ "${1:-}" = --jobs ]; then
+  [[ ${2:-} =~ ^[1-9][0-9]?$ ]] || wrong "--jobs is \"${2:-}\"; give a whole number from 1 to 99"
+  jobs=$2
+  shift 2
+fi
 case "${1:-}" in
   -h | --help) printf '%s\n\nTargets: %s\n' "$USAGE" "${known[*]}"; exit 0 ;;
   --seconds) unit=1 what=SECONDS seed=20010101; shift ;;
@@ -81,5 +87,14 @@ fuzz() { # TARGET
 }
 
 status=0
-for target in "$@"; do fuzz "$target" || status=1; done
+running=0
+for target in "$@"; do
+  if [ "$running" -ge "$jobs" ]; then
+    wait -n || status=1
+  else
+    running=$((running + 1))
+  fi
+  fuzz "$target" &
+done
+for ((; running > 0; running--)); do wait -n || status=1; done
 exit $status

@@ -54,6 +54,7 @@ class Fuzz(unittest.TestCase):
             ("0",): 'MINUTES is "0"; give a whole number from 1 to 999999',
             ("1.5",): 'MINUTES is "1.5"; give a whole number from 1 to 999999',
             ("--seconds", "png"): 'SECONDS is "png"; give a whole number from 1 to 999999',
+            ("--jobs", "0", "1"): '--jobs is "0"; give a whole number from 1 to 99',
             ("1", "png", "bogus"): 'no target "bogus"; there are: png session',
         }
         for arguments, message in cases.items():
@@ -72,8 +73,17 @@ class Fuzz(unittest.TestCase):
         run = Run(".ci/run", "fuzz")
 
         self.assertEqual((run.status, run.err), (0, ""))
-        self.assertEqual([call.split()[:2] for call in run.calls[2:]],
-                         [["tavlo_fuzz_png", "-max_total_time=20"], ["tavlo_fuzz_session", "-max_total_time=20"]])
+        self.assertEqual(sorted(call.split()[:2] for call in run.calls[2:]),
+                         [["tavlo_fuzz_png", "-max_total_time=30"], ["tavlo_fuzz_session", "-max_total_time=30"]])
+
+    def test_SeveralAtATimeAllRunAndOneThatBreaksIsTold(self):
+        for jobs in ["1", "2", "3"]:
+            for broken in ["png", "session"]:
+                with self.subTest(jobs=jobs, broken=broken):
+                    run = Run("scripts/fuzz.sh", "--jobs", jobs, "--seconds", "1", BREAKS="tavlo_fuzz_" + broken)
+
+                    self.assertEqual((run.status, len(run.calls)), (1, 4))
+                    self.assertIn(f"fuzz: {broken} broke on ", run.err)
 
     def test_EachTargetHasADictionarySeedsAProgramAndAReplay(self):
         names = sorted(path.stem for path in (ROOT / "fuzz").glob("*.dict"))
