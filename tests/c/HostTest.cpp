@@ -86,6 +86,7 @@ TEST(CHost, ARefusedTableIsNotReleasedAndTheOneBeforeStays) {
 
   EXPECT_EQ(TavloPackage::sharedInstance(), before);
   EXPECT_EQ(released, 0);
+  tavlo_package_install(nullptr);
 }
 
 TEST(CHost, ATableOfALaterHeaderMayHaveZerosOnly) {

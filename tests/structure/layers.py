@@ -115,8 +115,8 @@ class Check:
         folder = folder_of(name)
         if folder is None:
             self.include_in_test(name, included)
-        elif C_HEADER.fullmatch(name) and (included in C_STANDARD_HEADERS or C_HEADER.fullmatch(f"c/{included}")):
-            return
+        elif C_HEADER.fullmatch(name):
+            self.include_in_c_header(name, angled, included)
         elif angled:
             self.include_of_system(name, folder, included)
         else:
@@ -126,6 +126,11 @@ class Check:
         portable = [f"tests/{folder}/" for folder in ("common", "host", "support", *ROOMS)]
         if name.startswith(tuple(portable)) and included.startswith("platform/linux/"):
             self.report(name, f"includes {included}; this test may not assume a platform")
+
+    def include_in_c_header(self, name, angled, included):
+        known = included in C_STANDARD_HEADERS if angled else included == VERSION or C_HEADER.fullmatch(f"c/{included}")
+        if not known:
+            self.report(name, f"includes {included}; a header for C has the four of C and those beside it")
 
     def include_of_system(self, name, folder, included):
         if included in HEAVY_HEADERS and folder in CARRIED:
