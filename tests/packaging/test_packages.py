@@ -51,6 +51,11 @@ def needs(package):
     return dict(re.fullmatch(r"(\S+)(?: \((.*)\))?", each).groups() for each in field(package, "Depends").split(", "))
 
 
+def leaves_documents_out():
+    """Whether this system is told to install no manual pages and the like, as small container images are."""
+    return any("path-exclude" in path.read_text() for path in Path("/etc/dpkg/dpkg.cfg.d").glob("*") if path.is_file())
+
+
 def configure(project, *options):
     build = tempfile.mkdtemp(dir=folder.name)
     output_of("cmake", "-S", project, "-B", build, "-G", "Ninja", f"-DCMAKE_CXX_COMPILER={COMPILER}", *options)
@@ -168,7 +173,9 @@ class Installed(unittest.TestCase):
         source.write_text(PLAIN_C, encoding="utf-8")
 
         self.assertEqual(output_of("tavlo", "--version"), f"tavlo {VERSION}\n")
-        self.assertEqual(output_of("man", "--where", "tavlo"), "/usr/share/man/man1/tavlo.1.gz\n")
+        if not leaves_documents_out():
+            self.assertEqual(output_of("man", "--where", "tavlo"), "/usr/share/man/man1/tavlo.1.gz\n")
+            self.assertTrue(Path("/usr/share/bash-completion/completions/tavlo").is_file())
         output_of("cc", source, "-ltavlo", "-o", program)
         self.assertEqual(output_of(program), VERSION + "\n")
         served(self, configure(ROOT / "tests/packaging/host", f"-DEXAMPLE={HOST}") / "host")
