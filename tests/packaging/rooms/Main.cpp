@@ -1,4 +1,5 @@
 #include <TavloUtility.h>
+#include <TavloVersion.h>
 
 #include <cstdio>
 
@@ -6,6 +7,7 @@
 #include "common/Value.h"
 #include "platform/Platform.h"
 
+static_assert(TAVLO_VERSION_AT_LEAST(0, 0, 1));
 static_assert(OWN_COMMON_TEXT_H + OWN_COMMON_VALUE_H + OWN_PLATFORM_PLATFORM_H == 3);
 
 int main() {
