@@ -90,12 +90,17 @@ class InPython(unittest.TestCase):
     def test_EveryOperationAnswers(self):
         said = output_of("/usr/bin/python3", "-B", HERE / "python/consumer.py", PYTHON, library(), ROOT / "resources")
 
-        self.assertRegex(said, r"Ran 17 tests in .*\n\nOK\n$")
+        self.assertRegex(said, r"Ran 18 tests in .*\n\nOK\n$")
 
     def test_EveryOperationIsCalled(self):
         text = (HERE / "python/consumer.py").read_text(encoding="utf-8")
 
         self.assertEqual([name for name in operations() if f"SDK.{name}(" not in text], [])
+
+    def test_ACallbackThatRunsWhenPythonEndsIsWaitedFor(self):
+        said = output_of("/usr/bin/python3", "-B", HERE / "python/leaving.py", PYTHON, library())
+
+        self.assertEqual(said, "leaving\nfetched\n")
 
     def test_ExampleSaysWhatIsNotCached(self):
         said = output_of("/usr/bin/python3", "-B", PYTHON / "player.py", here.folder(), TAVLO_LIBRARY=str(library()))

@@ -12,16 +12,20 @@ Values   texts are str; bytes that are no UTF-8 come as surrogates and go back a
          Python's own (values.py has the kinds that Python lacks).
 Absent   None, in and out; as a property-list value None is null, and an absent one is tavlo.ABSENT.
 Threads  any thread, any time. Callbacks run on the thread that they are called on, with Python's lock held.
+Exit     what is installed is taken out before Python ends. Callbacks that run then are waited for, 10 s at most;
+         background tasks that have not begun are dropped.
 Raises   TavloError with the C interface's status and error text; MemoryError. What a callback raises is told by
          sys.unraisablehook, and counts as the answer of a callback that is not there.
 
 The operations have the names of the contract. What each does, and when its result is absent, stands in tavlo.h.
 """
 
+import atexit
 import ctypes
 import ctypes.util
 import functools
 import os
+import time
 from ctypes import byref, c_void_p, pointer, sizeof
 
 from . import abi
@@ -37,7 +41,20 @@ _BYTES = {"archive_encode", "property_list_encode"}  # what is no text
 
 # What the library has of ours lives until it lets go of it, whoever else does.
 _INSTALLED = {}
+_PATIENCE = 10  # seconds
 _RELEASED = abi.Released(lambda user: _INSTALLED.pop(user, None) and None)
+
+
+def _take_out(functions):
+    """Before Python ends: a thread that calls back into a Python that has ended would take the process with it."""
+    if not _INSTALLED:
+        return
+    for name in ("platform", *abi.COLLABORATORS):
+        getattr(functions, f"{name}_install")(None)
+    latest = time.monotonic() + _PATIENCE
+    while _INSTALLED and time.monotonic() < latest:
+        time.sleep(0.01)
+    time.sleep(0.01)  # the thread that let go last is on its way out of Python
 
 
 class TavloError(Exception):
@@ -59,6 +76,7 @@ class Tavlo:
     def __init__(self, path=None):
         self.c = abi.load(path or os.environ.get("TAVLO_LIBRARY") or ctypes.util.find_library("tavlo") or "libtavlo.so")
         self.values = Values(self.c, lambda: self._failure(MISUSE))
+        atexit.register(_take_out, self.c)
 
     @property
     def version(self):
@@ -144,6 +162,8 @@ class Tavlo:
 
     def install(self, name, **callbacks):
         """Installs a collaborator (abi.TABLES has them) of callbacks; without any, takes out what is installed."""
+        if name not in abi.COLLABORATORS:
+            raise TypeError(f"a host brings no {name}, but {', '.join(abi.COLLABORATORS)}")
         install = getattr(self.c, f"{name}_install")
         table = self._table(name, callbacks) if callbacks else None
         try:
@@ -164,7 +184,7 @@ class Tavlo:
                 tables.append(self._table(name, option))
                 setattr(platform, name, pointer(tables[-1]))
             else:
-                raise TypeError(f"a platform has no {name}")
+                raise TypeError(f"a platform has no {name}, but {', '.join((*abi.OPTIONS, *abi.SERVICES))}")
         try:
             self._check(self.c.platform_install(byref(platform)))
         except BaseException:
@@ -190,9 +210,11 @@ class Tavlo:
 
     def _table(self, name, callbacks):
         from .callbacks import adapted
+        if not isinstance(callbacks, dict):
+            raise TypeError(f"{name} takes a dict of callbacks: {', '.join(abi.PROTOTYPES[name])}")
         unknown = set(callbacks) - set(abi.PROTOTYPES[name])
         if unknown:
-            raise TypeError(f"a {name} has no {', '.join(sorted(unknown))}")
+            raise TypeError(f"a {name} has no {', '.join(sorted(unknown))}, but {', '.join(abi.PROTOTYPES[name])}")
         table = abi.STRUCTS[name](size=sizeof(abi.STRUCTS[name]), released=_RELEASED)
         for callback, result, parameters in abi.TABLES[name]:
             if callback in callbacks:

@@ -169,6 +169,8 @@ def borrowed(text):
     """A str, bytes or None as the C interface takes it, for as long as what is returned lives."""
     if text is None:
         return Text(None, 0)
+    if not isinstance(text, (str, bytes, bytearray, memoryview)):
+        raise TypeError(f"a text is a str, bytes or None, not {type(text).__name__}")
     data = text.encode("utf-8", "surrogateescape") if isinstance(text, str) else bytes(text)
     buffer = ctypes.create_string_buffer(data, len(data) + 1)
     result = Text(ctypes.addressof(buffer), len(data))

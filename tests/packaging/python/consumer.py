@@ -220,6 +220,21 @@ class Utilities(World):
         self.assertEqual(copy, value)
         self.assertEqual(SDK.property_list_decode(SDK.property_list_encode({"u": tavlo.Uid(3)})), {"u": tavlo.Uid(3)})
 
+    def test_WrongNamesAreAnsweredWithTheRightOnes(self):
+        for wrong, error in (
+            (lambda: SDK.install("loger", printLog=print), "a host brings no loger, but package, unique_user_handler, "
+                                                           "database_handler, logger, exception_reporter"),
+            (lambda: SDK.install("logger", print=print), "a logger has no print, but printLog"),
+            (lambda: SDK.install_platform(containr="x"), "a platform has no containr, but container, domain, resources, "
+             "certificate_authorities, geocoding_url, console, url_data, file_manager, user_defaults, "
+             "background_queue, location_services, geocoder, application"),
+            (lambda: SDK.install_platform(console=print), "console takes a dict of callbacks: log"),
+            (lambda: SDK.getCacheVideoDataPath(5), "a text is a str, bytes or None, not int"),
+        ):
+            with self.subTest(error), self.assertRaises(TypeError) as raised:
+                wrong()
+            self.assertEqual(str(raised.exception), error)
+
     def test_EachThreadHasItsOwnError(self):
         errors = {}
 
