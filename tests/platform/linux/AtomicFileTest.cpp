@@ -235,6 +235,17 @@ TEST_P(AbandonedTemporary, ThatCannotBeSweptFailsNoWriteAndGoesWithTheNext) {
   EXPECT_THAT(temporaries(), IsEmpty());
 }
 
+TEST_F(AtomicFile, OfTwoAbandonedTemporariesTheOneThatCannotBeSweptGoesWithTheNextWrite) {
+  for (const char* const name : {"tavlo-1-1.tmp", "tavlo-1-2.tmp"}) writeFile(temporary_ / name, "x");
+  syscalls_.setHook(failing("unlink", EROFS));
+
+  EXPECT_TRUE(replace("new"));
+  EXPECT_EQ(temporaries().size(), 1U);
+
+  EXPECT_TRUE(replace("newer"));
+  EXPECT_THAT(temporaries(), IsEmpty());
+}
+
 TEST_F(AtomicFile, NamesThatAreTakenArePassedOverButNotForEver) {
   syscalls_.setHook(failing("open tmp/tavlo-#.tmp", EEXIST, 3));
   EXPECT_TRUE(replace("new"));
