@@ -1,7 +1,6 @@
 #!/usr/bin/env bash
 # Whether programs that were linked with the shared library of the C interface still run with the one built here.
 set -euo pipefail
-cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 readonly USAGE="Usage: scripts/abi.sh [--renew] [LIBRARY]
 
@@ -18,19 +17,31 @@ fail() {
   exit 2
 }
 
+wrong() {
+  printf 'abi: %s\n%s\n' "$1" "$USAGE" >&2
+  exit 2
+}
+
 renew=false
-library=build/debug/c/libtavlo.so
+library=
 for argument in "$@"; do
   case "$argument" in
     -h | --help) echo "$USAGE"; exit 0 ;;
     --renew) renew=true ;;
-    -*) echo "$USAGE" >&2; exit 2 ;;
-    *) library=$argument ;;
+    -*) wrong "no option \"$argument\"" ;;
+    "") wrong "the name of LIBRARY is empty" ;;
+    *)
+      [ -z "$library" ] || wrong "one LIBRARY only, not \"$argument\" as well"
+      library=$(realpath -m -- "$argument")
+      ;;
   esac
 done
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+library=${library:-build/debug/c/libtavlo.so}
 command -v abidw >/dev/null || fail "there is no abidw; scripts/setup.sh --ci installs it (Debian: abigail-tools)"
-[ -e "$library" ] || fail "there is no $library; build it (cmake --build --preset debug --target tavlo_c)"
-readelf --sections --wide "$library" | grep -q ' \.debug_info ' || fail "$library has no debug information"
+[ -f "$library" ] || fail "there is no $library; build it (cmake --build --preset debug --target tavlo_c)"
+sections=$(readelf --sections --wide "$library" 2>/dev/null) || fail "$library is no library"
+[[ $sections == *" .debug_info "* ]] || fail "$library has no debug information; build it with -g (the preset debug does)"
 
 # Nothing in what is kept tells the folder or the libraries that it was built with.
 now=$(mktemp)

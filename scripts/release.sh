@@ -12,6 +12,11 @@ at any time. Tagging is left to you; the command is printed.
   --suite        also runs the whole suite (scripts/test.sh)
   --output DIR   where the archive goes, build/release-archive when not given"
 
+wrong() {
+  printf 'release: %s\n%s\n' "$1" "$USAGE" >&2
+  exit 2
+}
+
 only_check=no suite=no output=
 while [ $# -gt 0 ]; do
   case "$1" in
@@ -19,11 +24,12 @@ while [ $# -gt 0 ]; do
     --check) only_check=yes ;;
     --suite) suite=yes ;;
     --output)
-      [ -n "${2:-}" ] || { echo "$USAGE" >&2; exit 2; }
+      [[ -n ${2:-} && $2 != -* ]] || wrong "give DIR, where the archive goes, after --output"
       output=$(realpath -m -- "$2")
       shift
       ;;
-    *) echo "$USAGE" >&2; exit 2 ;;
+    -*) wrong "no option \"$1\"" ;;
+    *) wrong "unexpected \"$1\"; the version is that of CMakeLists.txt" ;;
   esac
   shift
 done
@@ -52,7 +58,7 @@ check_tree() {
   if [ "$(git rev-parse --show-toplevel 2>/dev/null)" != "$(pwd -P)" ] || ! changed=$(git status --porcelain); then
     fault "$PWD is no clone of the repository; release from one"
   elif [ -n "$changed" ]; then
-    fault "the tree is not clean; commit or remove: $(cut -c 4- <<< "$changed" | head -n 5 | paste -sd ' ')"
+    fault "the tree is not clean; commit or remove: $(cut -c 4- <<< "$changed" | sed -n 1,5p | paste -sd ' ')"
   else
     passed "the tree is clean"
   fi
@@ -61,7 +67,7 @@ check_tree() {
 # A tag is a v and a version.
 check_tags() {
   local last
-  last=$(git tag --list 'v[0-9]*' --sort=-version:refname 2>/dev/null | head -n 1)
+  last=$(git tag --list 'v[0-9]*' --sort=-version:refname 2>/dev/null | sed -n 1p)
   if [ -z "$last" ]; then
     passed "there is no release before it"
   elif [ "$(printf '%s\n' "${last#v}" "$version" | sort -V | tail -n 1)" = "${last#v}" ]; then
@@ -79,7 +85,7 @@ check_changelog() {
     fault "CHANGELOG.md: the newest heading is \"$heading\"; make it \"$wanted\""
   elif ! date --date "$date" >/dev/null 2>&1; then
     fault "CHANGELOG.md: $date is no date; give the day of the release"
-  elif ! sed -n "/^## \[$version\]/,/^## \[[^]]*\] - [0-9]/p" CHANGELOG.md | grep -q '^- '; then
+  elif ! sed -n "/^## \[$version\]/,/^## \[[^]]*\] - [0-9]/p" CHANGELOG.md | grep '^- ' >/dev/null; then
     fault "CHANGELOG.md: $version has no entry; say what changed"
   else
     passed "the changelog has it, of $date"

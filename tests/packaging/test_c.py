@@ -148,6 +148,22 @@ class Abi(unittest.TestCase):
                   f"-Wl,--version-script={folder}/map", f"-Wl,-soname,{re.sub(r'[.][0-9]+$', '', library().name)}")
         return folder / "changed.so"
 
+    def test_WrongUseOfTheScriptIsTold(self):
+        for arguments, error in ((["--bogus"], 'no option "--bogus"'), (["a", "b"], 'one LIBRARY only, not "b" as well'),
+                                 ([""], "the name of LIBRARY is empty")):
+            with self.subTest(arguments=arguments):
+                done = run(ROOT / "scripts/abi.sh", *arguments)
+
+                self.assertEqual(done.returncode, 2)
+                self.assertTrue(done.stdout.startswith(f"abi: {error}\nUsage: scripts/abi.sh "), done.stdout)
+        for path, error in (("/nowhere/libtavlo.so", "there is no /nowhere/libtavlo.so; build it "),
+                            (ROOT / "README.md", f"{ROOT}/README.md is no library"),
+                            ("/bin/true", "/bin/true has no debug information; build it with -g ")):
+            with self.subTest(path=path):
+                done = self.compared(path)
+
+                self.assertEqual((done.returncode, error in done.stdout), (2, True), done.stdout)
+
     def test_IsTheKeptOne(self):
         done = self.compared(library())
 

@@ -125,12 +125,28 @@ class Release(unittest.TestCase):
 
     def test_WrongArgumentsAreUsageErrors(self):
         tree = self.small()
-        for arguments in (["--bogus"], ["--output"], ["--output", ""], ["--check", "twice"]):
+        folder = "give DIR, where the archive goes, after --output"
+        for arguments, error in ((["--bogus"], 'no option "--bogus"'), (["--output"], folder), (["--output", ""], folder),
+                                 (["--output", "--check"], folder), (["--check", ""], 'unexpected ""; the version is '
+                                                                     "that of CMakeLists.txt"),
+                                 (["1.2.10"], 'unexpected "1.2.10"; the version is that of CMakeLists.txt')):
             with self.subTest(arguments=arguments):
                 done = call(tree / "scripts/release.sh", *arguments, cwd="/")
 
                 self.assertEqual((done.returncode, done.stdout), (2, ""))
-                self.assertTrue(done.stderr.startswith("Usage: scripts/release.sh "), done.stderr)
+                self.assertTrue(done.stderr.startswith(f"release: {error}\nUsage: scripts/release.sh "), done.stderr)
+
+    def test_LongListsOfTagsAndEntriesAreReadToTheirEnds(self):
+        entries = "- A thing.\n" * 10_000
+        tree = self.small("v1.2.9", **{"CHANGELOG.md": f"## [1.2.10] - 2024-02-29\n\n{entries}"})
+        head = checked("git", "rev-parse", "HEAD", cwd=tree).strip()
+        packed = "".join(f"{head} refs/tags/v0.{number}.0\n" for number in range(1000, 3000))
+        (tree / ".git/packed-refs").write_text(packed, encoding="utf-8")
+
+        done = call(tree / "scripts/release.sh", "--check", cwd="/")
+
+        self.assertEqual((done.returncode, done.stderr), (0, ""))
+        self.assertIn("release: the release before it is v1.2.9\n", done.stdout)
 
     def test_SameCommitGivesTheSameBytesWhereverAndWheneverItIsPacked(self):
         first = self.small("v1.2.9")
