@@ -8,9 +8,8 @@
 // With none installed, the library's own platform is made on first use, with everything absent.
 //
 // Values   tables and their callbacks as in tavlo_host.h. Replaceable are the console, the fetch of URLs, the files,
-// the
-//          user settings, the background queue, position, geocoder and the asking of other apps; images and resource
-//          bundles are always the library's own. Paths are the host's own bytes.
+//          the user settings, the background queue, position, geocoder and the asking of other apps; images and
+//          resource bundles are always the library's own. Paths are the host's own bytes.
 // Threads  as in tavlo_host.h: every callback on any thread, several at once.
 #ifndef TAVLO_PLATFORM_H
 #define TAVLO_PLATFORM_H

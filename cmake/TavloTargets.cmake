@@ -86,4 +86,6 @@ file(MAKE_DIRECTORY ${TAVLO_PUBLIC_HEADERS})
 set(TAVLO_INSTALLED tavlo_utility tavlo_linux tavlo_host)
 tavlo_library(tavlo_utility)
 target_link_libraries(tavlo_utility PUBLIC Threads::Threads)
+# What a linker for C++ adds by itself; a program in C may link all of this through the C interface.
+target_link_libraries(tavlo_utility INTERFACE $<$<LINK_LANGUAGE:C>:stdc++> $<$<LINK_LANGUAGE:C>:m>)
 add_library(Tavlo::utility ALIAS tavlo_utility)

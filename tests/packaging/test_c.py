@@ -66,6 +66,17 @@ class InC(unittest.TestCase):
         self.assertEqual(output_of(program, *self.arguments()), ALL_WELL)
         self.assertNotIn("libtavlo", output_of("ldd", program))
 
+    def test_ProjectInCAloneLinksTheStaticLibrariesByCMake(self):
+        source = here.folder()
+        (source / "CMakeLists.txt").write_text(
+            "cmake_minimum_required(VERSION 3.25)\nproject(Player LANGUAGES C)\n"
+            "find_package(Tavlo CONFIG REQUIRED COMPONENTS c_static)\n"
+            f"add_executable(player {EXAMPLE})\ntarget_link_libraries(player PRIVATE Tavlo::c_static)\n")
+
+        said = output_of(here.built(source) / "player", here.folder())
+
+        self.assertTrue(said.endswith("\nnot cached\n"), said)
+
     def test_ExampleSaysWhatIsNotCached(self):
         said = output_of(self.build / "example", here.folder())
 
@@ -123,6 +134,12 @@ class SharedLibrary(unittest.TestCase):
         self.assertEqual(self.exported(library()), [f"TAVLO_{release}", *sorted(f"{name}@@TAVLO_{release}"
                                                                                for name in declared)])
         self.assertEqual([name for name in operations() if f"tavlo_{name}" not in declared], [])
+
+
+    def test_CallsItsOwnFunctionsThoughAProgramHasOthersOfTheirNames(self):
+        moved = [line for line in output_of("readelf", "--relocs", "--wide", library()).splitlines() if " tavlo_" in line]
+
+        self.assertEqual(moved, [])
 
 
 class Abi(unittest.TestCase):

@@ -180,6 +180,15 @@ class WrongUse(unittest.TestCase):
 
         self.assertIn('it has no component "windows". Installed are utility, linux, host, c, c_static', error)
 
+    def test_OptionalComponentThatIsNotThereIsNotFoundAndTheOthersAre(self):
+        source = project("Optional", "find_package(Tavlo CONFIG REQUIRED COMPONENTS utility OPTIONAL_COMPONENTS windows)\n"
+                         'message(STATUS "<${Tavlo_FOUND} ${Tavlo_utility_FOUND} ${Tavlo_windows_FOUND}>")')
+
+        done = configured(source)[1]
+
+        self.assertEqual(done.returncode, 0, done.stdout)
+        self.assertIn("-- <1 TRUE FALSE>\n", done.stdout)
+
     def test_LibraryThatWasNotAskedForIsNamedWhenItIsLinked(self):
         error = error_of("find_package(Tavlo CONFIG REQUIRED COMPONENTS utility)\n"
                          f"add_executable(player {CONSUMERS}/rooms/Main.cpp)\n"
