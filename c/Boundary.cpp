@@ -67,7 +67,7 @@ tavlo_status statusOfHandled(const char* function) noexcept {
   } catch (const std::exception& failure) {
     return told(function, TAVLO_FAILED, failure.what());
   } catch (...) {
-    return told(function, TAVLO_FAILED, "a callback threw");
+    return told(function, TAVLO_FAILED, "what is not known");
   }
 }
 

@@ -20,6 +20,12 @@ class Misuse : public std::invalid_argument {
   using std::invalid_argument::invalid_argument;
 };
 
+// What a callback written in C++ threw, whatever its kind: no fault of the caller's. Lack of memory stays what it is.
+class CallbackThrew : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
 // The exception reporter's own failure, which passes through the operation that reported.
 class ReporterFailed : public std::runtime_error {
  public:

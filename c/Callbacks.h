@@ -30,6 +30,9 @@ template <class Struct>
   return copy;
 }
 
+// Within a handler of what a callback threw: throws CallbackThrew with its text, or std::bad_alloc again.
+[[noreturn]] void throwCallbackThrew();
+
 template <class Table>
 class Callbacks {
  public:
@@ -52,8 +55,13 @@ class Callbacks {
   // Calls one of them, if it is there; else, and for a callback without a result, gives a value of zeros.
   template <class Result, class... Parameters, class... Arguments>
   Result call(Result (*Table::*callback)(void*, Parameters...), Arguments&&... arguments) const {
-    if (const auto function = table_.*callback) return function(table_.user, std::forward<Arguments>(arguments)...);
-    return Result();
+    const auto function = table_.*callback;
+    if (!function) return Result();
+    try {
+      return function(table_.user, std::forward<Arguments>(arguments)...);
+    } catch (...) {  // of a host in C++
+      throwCallbackThrew();
+    }
   }
   [[nodiscard]] bool has(auto callback) const { return table_.*callback != nullptr; }
 

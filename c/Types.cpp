@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cstring>
+#include <exception>
 #include <new>
 #include <string>
 
@@ -27,6 +28,18 @@ void copySized(void* to, std::size_t known, std::size_t least, const void* from,
                  " bytes that this library knows, only zeros may follow");
   }
   std::memcpy(to, from, std::min(size, known));
+}
+
+void throwCallbackThrew() {
+  try {
+    throw;
+  } catch (const std::bad_alloc&) {
+    throw;
+  } catch (const std::exception& thrown) {
+    throw CallbackThrew(std::string("a callback threw: ") + thrown.what());
+  } catch (...) {
+    throw CallbackThrew("a callback threw");
+  }
 }
 
 void Answer::set(tavlo_text text) {

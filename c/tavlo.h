@@ -22,7 +22,8 @@
 // Threads  any operation on any thread, any time. Nothing is locked while a callback runs.
 // Throws   nothing. Every operation may end with TAVLO_NO_MEMORY, and with TAVLO_MISUSE when a result is a null pointer
 //          or a text has a size and no data; other statuses are named where they belong. Callbacks must neither throw
-//          nor jump out. Should one written in C++ throw all the same, the operation ends with TAVLO_FAILED.
+//          nor jump out. Should one written in C++ throw all the same, the operation ends with TAVLO_FAILED, whatever
+//          was thrown, or with TAVLO_NO_MEMORY when that was std::bad_alloc.
 //
 // The operations keep the names of the contract, misspelt ones included; all else is named as C does. Texts and handles
 // that a function puts into its results belong to the caller, who frees them. The library may be closed with dlclose(),

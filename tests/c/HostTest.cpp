@@ -2,8 +2,10 @@
 
 #include <cstddef>
 #include <cstring>
+#include <new>
 #include <stdexcept>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "common/Logger.h"
@@ -113,12 +115,33 @@ TEST(CHost, WhatACallbackInCppThrowsEndsTheOperationOnly) {
 
   EXPECT_EQ(tavlo_getAdditionalRequestingString(nullptr, &query), TAVLO_FAILED);
 
-  EXPECT_STREQ(tavlo_last_error(), "tavlo_getAdditionalRequestingString: of the host");
+  EXPECT_STREQ(tavlo_last_error(), "tavlo_getAdditionalRequestingString: a callback threw: of the host");
   EXPECT_EQ(query.data, nullptr);
   package.text = [](void*, tavlo_package_text, tavlo_answer*) { throw 7; };
   ASSERT_EQ(tavlo_package_install(&package), TAVLO_OK);
   EXPECT_EQ(tavlo_getAdditionalRequestingString(nullptr, &query), TAVLO_FAILED);
   EXPECT_STREQ(tavlo_last_error(), "tavlo_getAdditionalRequestingString: a callback threw");
+}
+
+using TextCallback = void (*)(void*, tavlo_package_text, tavlo_answer*);
+
+// Whatever else it throws is no misuse by the caller, and no lack of memory.
+TEST(CHost, OnlyALackOfMemoryThatACallbackThrowsHasAStatusOfItsOwn) {
+  auto package = table<tavlo_package>();
+  tavlo_string query{};
+  for (const auto& [text, status, error] : std::vector<std::tuple<TextCallback, tavlo_status, std::string>>{
+           {[](auto...) { throw std::invalid_argument("a"); }, TAVLO_FAILED, "a callback threw: a"},
+           {[](auto...) { throw std::length_error("b"); }, TAVLO_FAILED, "a callback threw: b"},
+           {[](auto...) { throw std::bad_alloc(); }, TAVLO_NO_MEMORY, "no memory left"},
+       }) {
+    package.text = text;
+    ASSERT_EQ(tavlo_package_install(&package), TAVLO_OK);
+
+    EXPECT_EQ(tavlo_getAdditionalRequestingString(nullptr, &query), status);
+
+    EXPECT_EQ(tavlo_last_error(), "tavlo_getAdditionalRequestingString: " + error);
+  }
+  tavlo_package_install(nullptr);
 }
 
 TEST(CHost, WhatReleasingThrowsIsDropped) {
