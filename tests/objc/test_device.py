@@ -16,7 +16,12 @@ from pathlib import Path
 ROOT = Path(sys.argv.pop(1)).resolve()
 SOURCES = {".m", ".mm", ".cpp"}
 FOLDERS = ("common", "platform", "platform/apple", "request", "cache", "identity", "location", "resources", "objc")
-RUNTIME = Path("/usr/lib/gcc/x86_64-linux-gnu/12/include/objc")
+
+
+def runtime_headers():
+    """Where GCC has the headers of its Objective-C runtime, whatever its version and processor are."""
+    run = subprocess.run(["gcc", "-print-file-name=include"], capture_output=True, text=True, check=True)
+    return Path(run.stdout.strip(), "objc")
 
 
 def needed():
@@ -66,7 +71,7 @@ class Compiler(unittest.TestCase):
     @staticmethod
     def headers(folder):
         """GCC's runtime has no header for blocks, and one line that automatic reference counting cannot read."""
-        shutil.copytree(RUNTIME, Path(folder, "objc"))
+        shutil.copytree(runtime_headers(), Path(folder, "objc"))
         Path(folder, "objc/blocks_runtime.h").write_text("", encoding="utf-8")
         runtime = Path(folder, "objc/runtime.h")
         runtime.write_text(runtime.read_text(encoding="utf-8").replace("object->class_pointer", "0"), encoding="utf-8")
