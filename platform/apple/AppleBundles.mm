@@ -1,5 +1,6 @@
 #import "platform/apple/AppleBundles.h"
 
+#include "common/Utf8.h"
 #import "platform/apple/Bridge.h"
 #import "platform/apple/DeviceFrameworks.h"
 
@@ -12,7 +13,7 @@ Text AppleBundle::pathForResourceOfType(std::string_view name, std::string_view 
 Text AppleBundles::mainBundleResourcePath() { return textOf([[NSBundle mainBundle] resourcePath]); }
 
 std::shared_ptr<platform::Bundle> AppleBundles::bundleWithPath(const Text& path) {
-  NSBundle* const bundle = path ? [NSBundle bundleWithPath:stringOf(*path)] : nil;
+  NSBundle* const bundle = path && isUtf8(*path) ? [NSBundle bundleWithPath:stringOf(*path)] : nil;
   return bundle == nil ? nullptr : std::make_shared<AppleBundle>(bundle);
 }
 

@@ -1,7 +1,8 @@
 // AppleFileManager: files by NSFileManager and NSData, the Documents directory by the platform's search list.
 //
 // Values   a Documents directory that is missing is made.
-// Absent   no data from what is no regular file, which never blocks. A failure's description is the platform's own.
+// Absent   no data from what is no regular file, which never blocks; nothing under a path that is no UTF-8, lone
+//          surrogates included. A failure's description is the platform's own.
 // Durable  the platform's atomic write does not flush; what it wrote is flushed after its rename, and, where the name
 //          is to last, its folder.
 // Threads  any thread, any time.

@@ -9,6 +9,7 @@
 #include <system_error>
 #include <utility>
 
+#include "common/Utf8.h"
 #import "platform/apple/Bridge.h"
 
 namespace tavlo::apple_platform {
@@ -17,9 +18,12 @@ namespace {
 using platform::Existence;
 using platform::FileResult;
 
-bool isUsable(const Text& path) { return path && !path->empty() && path->find('\0') == std::string::npos; }
+// The platform raises for a path that has no UTF-8 form, such as one with half of a surrogate pair.
+bool isUsable(const Text& path) {
+  return path && !path->empty() && path->find('\0') == std::string::npos && isUtf8(*path);
+}
 
-FileResult namesNothing() { return FileResult::failure("no path: it is absent, empty or holds a NUL"); }
+FileResult namesNothing() { return FileResult::failure("no path: it is absent, empty, no UTF-8 or holds a NUL"); }
 
 // The platform's own description, which on the device names the path; GNUstep Base's does not.
 FileResult result(bool succeeded, NSError* error, const Text& path) {

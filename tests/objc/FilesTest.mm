@@ -50,7 +50,8 @@ TEST_F(ObjCPlatform, ExistenceFollowsLinks) {
 }
 
 TEST_F(ObjCPlatform, PathsThatNameNothingNeverReachTheSystem) {
-  for (const Text& none : {Text(), Text(""), Text(std::string("/tmp\0x", 6))}) {
+  for (const Text& none :
+       {Text(), Text(""), Text(std::string("/tmp\0x", 6)), Text("/tmp/\xED\xA0\xBD"), Text("/tmp/\xFF")}) {
     EXPECT_EQ(files_.fileExistsAtPathIsDirectory(none), Existence::missing);
     EXPECT_FALSE(files_.removeItemAtPath(none, Removal::anything));
     EXPECT_FALSE(files_.createDirectoryAtPath(none));
@@ -134,6 +135,16 @@ TEST_F(ObjCPlatform, SettingsAreSharedWithTheAppInTheirKinds) {
   EXPECT_EQ(settings.objectForKey("never set"), std::nullopt);
 }
 
+TEST_F(ObjCPlatform, AValueThatSettingsCannotHoldIsLeftOutAndNamedOnTheConsole) {
+  platform::UserDefaults& settings = platform_->standardUserDefaults();
+  testing::internal::CaptureStderr();
+
+  settings.setObjectForKey(Value(), "Refused");
+
+  EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("Refused"));
+  EXPECT_EQ(settings.objectForKey("Refused"), std::nullopt);
+}
+
 TEST_F(ObjCPlatform, SettingsAreOnDiskWhenASetterReturns) {
   [::TavloUtility setAppIdToUserDefault:@"on disk"];
 
@@ -184,6 +195,9 @@ TEST_F(ObjCPlatform, FileUrlsHaveDataAndTextsThatAreNoUrlHaveNone) {
   EXPECT_EQ(platform_->urlData().dataWithContentsOfUrl("file://" + path("a b.png")), std::nullopt);
   EXPECT_EQ(platform_->urlData().dataWithContentsOfUrl("file://" + path("none")), std::nullopt);
   EXPECT_EQ(platform_->urlData().dataWithContentsOfUrl(""), std::nullopt);
+  for (const char* const raising : {"file:", "file://", "file:///%FF", "file:///%ED%A0%BD"}) {
+    EXPECT_EQ(platform_->urlData().dataWithContentsOfUrl(raising), std::nullopt) << raising;
+  }
 }
 
 TEST_F(ObjCPlatform, BundlesAreDirectoriesWithResources) {
@@ -197,6 +211,7 @@ TEST_F(ObjCPlatform, BundlesAreDirectoriesWithResources) {
   EXPECT_EQ(bundle->pathForResourceOfType("mute", "png"), std::nullopt);
   EXPECT_EQ(platform_->bundles().bundleWithPath(path("none")), nullptr);
   EXPECT_EQ(platform_->bundles().bundleWithPath(std::nullopt), nullptr);
+  EXPECT_EQ(platform_->bundles().bundleWithPath("/tmp/\xED\xA0\xBD"), nullptr);
   EXPECT_EQ(platform_->bundles().mainBundleResourcePath(), text([[NSBundle mainBundle] resourcePath]));
 }
 

@@ -1,5 +1,6 @@
 #import "tests/objc/SdkClasses.h"
 
+#import "platform/apple/Bridge.h"
 #include "request/PackageReads.h"
 #include "tests/objc/Calls.h"
 
@@ -146,8 +147,9 @@ TAVLO_PACKAGE_TEXT_READS(READ)
 @end
 
 @implementation Logger
+// GNUstep Base appends no lone surrogates.
 + (void)printLog:(NSString*)message {
-  note([@"printLog:" stringByAppendingString:message]);
+  tavlo::test::calls().note("printLog:" + tavlo::apple_platform::textOf(message).value_or("(null)"));
 }
 @end
 
