@@ -37,8 +37,8 @@ class AppleQueue final : public platform::BackgroundQueue {
   void dispatchAsync(std::function<void()> task) override;
 };
 
-// NSData's fetch. The strict grammar decides what is a URL, once tabs and newlines are taken out, whatever the system's
-// version takes for one.
+// NSData's fetch, or NSURLHandle's with GNUstep Base; what raises is absent. The strict grammar decides what is a URL,
+// once tabs and newlines are taken out, whatever the system's version takes for one.
 class AppleUrlData final : public platform::UrlData {
  public:
   [[nodiscard]] std::optional<std::string> dataWithContentsOfUrl(std::string_view url) override;

@@ -39,6 +39,16 @@ void run(const Task& task) {
 #endif
 }
 
+#ifdef GNUSTEP
+// GNUstep Base's NSData has one handle a server, which answers with what came first, whatever is asked for later.
+NSData* contentsOf(NSURL* url) {
+  if ([url isFileURL]) return [NSData dataWithContentsOfURL:url];
+  return [[url URLHandleUsingCache:NO] loadInForeground];
+}
+#else
+NSData* contentsOf(NSURL* url) { return [NSData dataWithContentsOfURL:url]; }
+#endif
+
 void noteTheEnd() {
   static const bool isNoted = std::atexit([] { isLeaving = true; }) == 0;
   static_cast<void>(isNoted);
@@ -115,9 +125,12 @@ std::optional<std::string> AppleUrlData::dataWithContentsOfUrl(std::string_view 
   std::string text(url);
   std::erase_if(text, [](char c) { return c == '\t' || c == '\n' || c == '\r'; });
   if (!parseUrlReference(text)) return std::nullopt;
-  NSURL* const address = [NSURL URLWithString:stringOf(text)];
-  NSData* const data = address == nil ? nil : [NSData dataWithContentsOfURL:address];
-  if (data == nil) return std::nullopt;
+  NSData* data = nil;
+  const auto fetch = [&] {
+    NSURL* const address = [NSURL URLWithString:stringOf(text)];
+    data = address == nil ? nil : contentsOf(address);
+  };
+  if (exceptionRaisedBy(fetch) != nil || data == nil) return std::nullopt;
   return [data length] == 0 ? std::string() : std::string(static_cast<const char*>([data bytes]), [data length]);
 }
 

@@ -5,7 +5,11 @@
 #include <map>
 #include <string>
 
+#include "common/Slot.h"
+#include "platform/Application.h"
 #include "tests/objc/AppTest.h"
+#import "tests/objc/PlainCaller.h"
+#include "tests/objc/Tasks.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace tavlo::test {
@@ -79,6 +83,23 @@ TEST_F(ObjCSelectors, AreThe27WithTheirTypes) {
   EXPECT_EQ(found, expected);
 }
 
+TEST_F(ObjCSelectors, AreCalledFromPlainObjectiveC) {
+  testing::internal::CaptureStderr();
+
+  NSDictionary* const answers = tavloAnswersInPlainObjectiveC();
+  waitForTasks();
+  processSlot<platform::DocumentInteractionController>().store(nullptr);
+
+  static_cast<void>(testing::internal::GetCapturedStderr());
+  EXPECT_EQ([answers count], 20U);
+  EXPECT_EQ(text([answers objectForKey:@"getUserInfoRequestString"]),
+            "&ru=0&ru_n=&uud=0&uud_n=(null)&uuw=0&uuw_n=0&uum=0&uum_n=0");
+  EXPECT_EQ(text([answers objectForKey:@"getDocumentDirectoryPath:"]), path("a"));
+  EXPECT_EQ(text([answers objectForKey:@"getAppIdFromUserDefault"]), "app");
+  EXPECT_EQ(text([answers objectForKey:@"md5:"]), "900150983cd24fb0d6963f7d28e17f72");
+  EXPECT_EQ([answers objectForKey:@"getVolumeImage"], [NSNull null]);
+}
+
 TEST_F(ObjCSelectors, RequestsAreThoseOfTheComponent) {
   [sdk().texts setObject:string("a b&c=\xF0\x9F\x98\x80") forKey:@"applicationId"];
   [sdk().texts setObject:@"" forKey:@"token"];
@@ -124,7 +145,8 @@ TEST_F(ObjCSelectors, CachePathsAndLookUpsAreThoseOfTheComponent) {
             path("46a031da1eba2acf8ec285d177c677da.mp4"));
   EXPECT_EQ(text([::TavloUtility getCacheBannerImagePath:@" http://h/a.mp4\n"]),
             path("46a031da1eba2acf8ec285d177c677da"));
-  for (NSString* const each : std::initializer_list<NSString*>{@"http://h/a.mp4", @"", @"none", nil}) {
+  for (NSString* const each :
+       std::initializer_list<NSString*>{@"http://h/a.mp4", @"", @"none", string("\xED\xA0\xBD"), nil}) {
     expectSame([=] { return text([::TavloUtility getCacheVideoDataPath:each]); },
                [=] { return Component::getCacheVideoDataPath(text(each)); });
     expectSame([=] { return text([::TavloUtility getCacheVideoPathOfSavedInDB:each]); },
@@ -147,6 +169,7 @@ TEST_F(ObjCSelectors, DeletingAndClearingLeaveTheLogFileOnly) {
   EXPECT_EQ([::TavloUtility deleteCachedVideo:string(*path("a"))], YES);
   EXPECT_EQ([::TavloUtility deleteCachedVideo:string(*path("a"))], NO);
   EXPECT_EQ([::TavloUtility deleteCachedVideo:nil], NO);
+  EXPECT_EQ([::TavloUtility deleteCachedVideo:string("\xED\xA0\xBD")], NO);
   [::TavloUtility clearCache];
 
   std::vector<std::string> left;
