@@ -1,4 +1,5 @@
-#include <array>
+#include <atomic>
+#include <memory>
 #include <utility>
 
 #import "platform/apple/AppleLocation.h"
@@ -25,10 +26,11 @@ Placemark placemarkOf(CLPlacemark* placemark) {
           .thoroughfare = textOf([placemark thoroughfare])};
 }
 
+// Nobody asks for more than the first, so the others are not read.
 std::optional<Placemarks> placemarksOf(NSArray* found) {
   if (found == nil) return std::nullopt;
   Placemarks placemarks;
-  for (NSUInteger i = 0; i < [found count]; ++i) placemarks.push_back(placemarkOf([found objectAtIndex:i]));
+  if ([found count] != 0) placemarks.push_back(placemarkOf([found objectAtIndex:0]));
   return placemarks;
 }
 
@@ -101,32 +103,22 @@ id answerOf(GeocodeCompletionHandler handler, CLGeocoder* geocoder) {
 
 #endif
 
-// Owned by the caller's autorelease pool, with either kind of reference counting.
-id autoreleased(id made) {
-#if !__has_feature(objc_arc)
-  [made autorelease];
-#endif
-  return made;
-}
-
 class AppleGeocoder final : public platform::Geocoder {
  public:
   void reverseGeocodeLocation(const std::optional<platform::Location>& location,
                               GeocodeCompletionHandler completionHandler) override {
     CLGeocoder* const geocoder = autoreleased([[NSClassFromString(@"CLGeocoder") alloc] init]);
     if (geocoder == nil) return completionHandler(std::nullopt, "there is no geocoder");
-    CLLocation* const place = location ? placeOf(location->coordinate) : nil;
-    const auto ask = [&] {
-      [geocoder reverseGeocodeLocation:place completionHandler:answerOf(completionHandler, geocoder)];
+    CLLocation* const place = location ? locationAt(location->coordinate) : nil;
+    const auto isAnswered = std::make_shared<std::atomic<bool>>(false);
+    const GeocodeCompletionHandler once = [=](const std::optional<Placemarks>& placemarks, const Text& error) {
+      if (!isAnswered->exchange(true)) completionHandler(placemarks, error);
     };
-    NSException* const refused = exceptionRaisedBy(ask);
-    if (refused != nil) completionHandler(std::nullopt, textOf([refused reason]).value_or("the geocoder refuses"));
-  }
-
- private:
-  static CLLocation* placeOf(const platform::Coordinate& coordinate) {
-    return autoreleased([[NSClassFromString(@"CLLocation") alloc] initWithLatitude:coordinate.latitude
-                                                                         longitude:coordinate.longitude]);
+    NSException* const raised =
+        exceptionRaisedBy([&] { [geocoder reverseGeocodeLocation:place completionHandler:answerOf(once, geocoder)]; });
+    if (raised == nil) return;
+    if (*isAnswered) [raised raise];  // by the handler, in an answer that came at once
+    once(std::nullopt, textOf([raised reason]).value_or("the geocoder refuses"));
   }
 };
 

@@ -1,8 +1,8 @@
 // Positions by CLLocationManager, addresses by CLGeocoder.
 //
 // Absent   without CoreLocation services are off, and the geocoder answers with an error. An absent location is handed
-// on
-//          to the geocoder; what it raises is an error of its answer.
+//          on to the geocoder; what that raises before it answers is an error of its answer. Of several placemarks the
+//          first one is read. An answer counts once.
 // Threads  as CoreLocation says: managers on a thread with a run loop. Its answers come on the main thread.
 // Throws   the completion handler's std::out_of_range, for a list without placemarks, as an NSRangeException.
 //
@@ -29,6 +29,10 @@ class AppleLocationServices final : public platform::LocationServices {
   void requestAuthorization(StatusHandler answered) override;
   void requestLocation(LocationHandler answered) override;
 };
+
+// The CLLocation that a manager gave last, with all that it knows beyond its place, when it is at this place; else one
+// made of the place, nil without CoreLocation.
+[[nodiscard]] id locationAt(const platform::Coordinate& place);
 
 [[nodiscard]] std::shared_ptr<platform::Geocoder> makeAppleGeocoder();
 

@@ -1,5 +1,8 @@
 #import "platform/apple/AppleLocation.h"
 
+#include <mutex>
+#include <utility>
+
 #import "platform/apple/DeviceFrameworks.h"
 #import "platform/apple/Retained.h"
 
@@ -17,6 +20,29 @@ Retained madeManager() {
   return manager;
 }
 
+// The component's locations are places only; the geocoder gets the platform's own object all the same.
+class NewestLocation {
+ public:
+  void keep(id location) {
+    Retained kept(location);
+    const std::lock_guard lock(mutex_);
+    std::swap(kept, location_);
+  }
+  Retained get() {
+    const std::lock_guard lock(mutex_);
+    return location_;
+  }
+
+ private:
+  std::mutex mutex_;
+  Retained location_;
+};
+
+NewestLocation& newestLocation() {
+  static auto* const newest = new NewestLocation;  // for good: the geocoder may ask while the program ends
+  return *newest;
+}
+
 class AppleLocationManager final : public platform::LocationManager {
  public:
   void setDistanceFilter(double distance) override { [manager() setDistanceFilter:distance]; }
@@ -24,6 +50,7 @@ class AppleLocationManager final : public platform::LocationManager {
   void startUpdatingLocation() override { [manager() startUpdatingLocation]; }
   std::optional<platform::Location> location() override {
     CLLocation* const location = [manager() location];
+    newestLocation().keep(location);
     if (location == nil) return std::nullopt;
     const CLLocationCoordinate2D coordinate = [location coordinate];
     return platform::Location{{.latitude = coordinate.latitude, .longitude = coordinate.longitude}};
@@ -36,6 +63,16 @@ class AppleLocationManager final : public platform::LocationManager {
 };
 
 }  // namespace
+
+id locationAt(const platform::Coordinate& place) {
+  const Retained newest = newestLocation().get();
+  if (CLLocation* const known = newest.get()) {
+    const CLLocationCoordinate2D there = [known coordinate];
+    if (there.latitude == place.latitude && there.longitude == place.longitude) return newest.autoreleased();
+  }
+  return autoreleased([[NSClassFromString(@"CLLocation") alloc] initWithLatitude:place.latitude
+                                                                       longitude:place.longitude]);
+}
 
 bool AppleLocationServices::locationServicesEnabled() { return [managers() locationServicesEnabled]; }
 

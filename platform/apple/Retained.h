@@ -1,6 +1,7 @@
 // Retained: an object of the platform's that is owned, with automatic and with manual reference counting.
 //
 // Absent   nil.
+// Lasting  get() as long as this object; autoreleased() as long as the caller's autorelease pool.
 // Threads  as an object of its own: one thread at a time, or several that only read it.
 #pragma once
 
@@ -18,6 +19,7 @@ class Retained {
   explicit Retained(id object) : object_(object) {}
 
   [[nodiscard]] id get() const { return object_; }
+  [[nodiscard]] id autoreleased() const { return object_; }
 
  private:
   id object_ = nil;
@@ -38,11 +40,20 @@ class Retained {
   ~Retained() { [object_ release]; }
 
   [[nodiscard]] id get() const { return object_; }
+  [[nodiscard]] id autoreleased() const { return [[object_ retain] autorelease]; }
 
  private:
   id object_ = nil;
 };
 
 #endif
+
+// What was just made, owned by the caller's autorelease pool, with either kind of reference counting.
+[[nodiscard]] inline id autoreleased(id made) {
+#if !__has_feature(objc_arc)
+  [made autorelease];
+#endif
+  return made;
+}
 
 }  // namespace tavlo::apple_platform

@@ -68,6 +68,31 @@ TEST_F(ObjCDevice, APositionIsReadStoredAndHandedToTheGeocoder) {
                           "TavloPackage sharedInstance", "setLatitude:28.500000 AndLogitude:-0.120000",
                           "TavloPackage sharedInstance", "setUserAddress:", "location", "CLGeocoder init",
                           "reverseGeocodeLocation:28.5,-0.12 completionHandler"));
+  EXPECT_TRUE(device().isGiven);
+}
+
+TEST_F(ObjCDevice, APlaceThatNoManagerGaveIsHandedOnAsWell) {
+  const auto asked = callsOf([] {
+    apple_platform::make()->makeGeocoder()->reverseGeocodeLocation(platform::Location{{1.5, 2.5}}, [](auto&, auto&) {});
+  });
+
+  EXPECT_EQ(asked.back(), "reverseGeocodeLocation:1.5,2.5 completionHandler");
+  EXPECT_FALSE(device().isGiven);
+}
+
+TEST_F(ObjCDevice, AnAnswerThatComesAtOnceIsNotAnsweredAgainForWhatItRaises) {
+  device().answersAtOnce = YES;
+  testing::internal::CaptureStderr();
+  NSException* raised = nil;
+
+  const auto fetch = [&] { raised = apple_platform::exceptionRaisedBy([] { [::TavloUtility fetchCurrentLocation]; }); };
+  static_cast<void>(callsOf([&] {
+    fetch();
+    [raised retain];
+  }));
+
+  EXPECT_EQ(text([[raised autorelease] name]), text(NSRangeException));
+  EXPECT_THAT(testing::internal::GetCapturedStderr(), testing::Not(HasSubstr("Geocode failed")));
 }
 
 TEST_F(ObjCDevice, TheNextFetchReleasesTheManagerOfTheLast) {
@@ -106,7 +131,9 @@ TEST_F(ObjCDevice, TheFirstPlacemarkBecomesTheAddress) {
     answerGeocoder([NSArray arrayWithObjects:placemark(fields), placemark([NSDictionary dictionary]), nil], nil);
   });
 
-  EXPECT_THAT(asked, ElementsAre("TavloPackage sharedInstance",
+  EXPECT_THAT(asked, ElementsAre("placemark.ISOcountryCode", "placemark.country", "placemark.postalCode",
+                                 "placemark.administrativeArea", "placemark.locality", "placemark.subLocality",
+                                 "placemark.thoroughfare", "TavloPackage sharedInstance",
                                  R"(setUserAddress:{"state":"Delhi","locality":"Saket","pin":"110017",)"
                                  R"("city":"New Delhi","country":"India"})",
                                  "CLGeocoder dealloc"));

@@ -9,6 +9,7 @@
 //   setDesiredAccuracy:-1                               startUpdatingLocation
 //   location                                            CLGeocoder init
 //   reverseGeocodeLocation:28.5,77.25 completionHandler
+//   placemark.country                                   and so on for each field
 //   CLLocationManager dealloc, UIImage dealloc, UIDocumentInteractionController dealloc, CLGeocoder dealloc
 #pragma once
 
@@ -20,7 +21,10 @@ struct Device {
   int status;
   BOOL hasFix;
   CLLocationCoordinate2D fix;
+  CLLocation* given;  // what the manager gave last, retained
+  BOOL isGiven;       // whether that very object came to the geocoder
   BOOL geocoderRaises;
+  BOOL answersAtOnce;                // without placemarks
   CLGeocodeCompletionHandler asked;  // the latest request of the geocoder, retained
 };
 

@@ -12,6 +12,7 @@ Device& device() {
 
 void forgetDevice() {
   [device().asked release];
+  [device().given release];
   device() = {};
   device().isEnabled = YES;
   device().status = 3;
@@ -148,8 +149,11 @@ void note(NSString* format, ...) {
 }
 - (CLLocation*)location {
   note(@"location");
+  [device().given release];
+  device().given = nil;
   if (!device().hasFix) return nil;
-  return [[[CLLocation alloc] initWithLatitude:device().fix.latitude longitude:device().fix.longitude] autorelease];
+  device().given = [[CLLocation alloc] initWithLatitude:device().fix.latitude longitude:device().fix.longitude];
+  return device().given;
 }
 - (void)dealloc {
   note(@"CLLocationManager dealloc");
@@ -165,6 +169,7 @@ void note(NSString* format, ...) {
 
 @implementation CLPlacemark
 - (NSString*)field:(SEL)name {
+  note(@"placemark.%@", NSStringFromSelector(name));
   return [static_cast<PlacemarkOfFields*>(self)->fields objectForKey:NSStringFromSelector(name)];
 }
 - (NSString*)ISOcountryCode {
@@ -207,9 +212,11 @@ void note(NSString* format, ...) {
   note(location == nil ? @"reverseGeocodeLocation:(null) completionHandler"
                        : @"reverseGeocodeLocation:%g,%g completionHandler",
        place.latitude, place.longitude);
+  device().isGiven = location == device().given;
   if (device().geocoderRaises) [NSException raise:NSInvalidArgumentException format:@"no location"];
   [device().asked release];
   device().asked = [completionHandler copy];
+  if (device().answersAtOnce) answerGeocoder([NSArray array], nil);
 }
 - (void)dealloc {
   note(@"CLGeocoder dealloc");
