@@ -14,9 +14,8 @@
 // Logs     as the class of the same name in C++ says, whose header describes each operation.
 // Threads  any thread that has an autorelease pool; the export on the main thread, the position on one with a run loop.
 // Throws   NSInvalidArgumentException from getCachedVideoList: for bytes that are no keyed archive, NSRangeException
-// from
-//          the geocoder's answer without placemarks, and whatever the SDK's own classes raise. md5: turns what its
-//          argument raises into a report.
+//          from the geocoder's answer without placemarks, and whatever the SDK's own classes raise. md5: turns what
+//          its argument raises into a report.
 //
 // Results are the caller's as the platform's conventions say: autoreleased. All is run here over GNUstep Base, but for
 // UIKit and CoreLocation, for which stand-ins are; Swift and the device's SDK are not there to be run.
