@@ -6,7 +6,7 @@ extern "C" {
 #endif
 
 // What each of the 27 selectors answers to ordinary arguments, under its name. What answers nothing is called only.
-NSDictionary *tavloAnswersInPlainObjectiveC(void);
+NSDictionary* tavloAnswersInPlainObjectiveC(void);
 
 #ifdef __cplusplus
 }

@@ -2,12 +2,12 @@
 
 #import "objc/TavloUtility.h"
 
-static void keep(NSMutableDictionary *answers, NSString *selector, id answer) {
+static void keep(NSMutableDictionary* answers, NSString* selector, id answer) {
   [answers setObject:answer == nil ? [NSNull null] : answer forKey:selector];
 }
 
-NSDictionary *tavloAnswersInPlainObjectiveC(void) {
-  NSMutableDictionary *answers = [NSMutableDictionary dictionary];
+NSDictionary* tavloAnswersInPlainObjectiveC(void) {
+  NSMutableDictionary* answers = [NSMutableDictionary dictionary];
   [TavloUtility setAppIdToUserDefault:@"app"];
   [TavloUtility setOptionalIdToUserDefault:@"user"];
   [TavloUtility setSecurityKeyToUserDefault:@"key"];
