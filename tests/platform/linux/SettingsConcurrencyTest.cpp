@@ -203,6 +203,9 @@ void countUp(const linux_platform::Container& container, int process, int acknow
 }
 
 TEST(SettingsOfManyProcesses, NothingAcknowledgedIsLost) {
+#ifdef TAVLO_TEST_EMULATED
+  GTEST_SKIP() << "the emulator aborts at times where a forked process starts threads";
+#endif
   SettingsFixture box;
   box.put(ValueMap{{"foreign", "stays"}});
   int lines[2];
