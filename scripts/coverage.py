@@ -23,7 +23,8 @@ class Bar:
 
 
 BARS = [Bar("rooms", ROOMS, 98, 92), Bar("property list and archive", DECODER, 98, 92),
-        Bar("platform", r"platform/.*", 90, None), Bar("host", r"host/.*", 90, None), Bar("cli", r"cli/.*", 90, None)]
+        Bar("platform", r"platform/.*", 90, None), Bar("host", r"host/.*", 90, None), Bar("c", r"c/.*", 90, None),
+        Bar("cli", r"cli/.*", 90, None)]
 WORST = 5
 
 
