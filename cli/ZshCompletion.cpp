@@ -4,7 +4,7 @@
 namespace tavlo::cli {
 namespace {
 
-// In single quotes, and with what separates the parts of a specification escaped.
+// In single quotes, and with what separates the parts of a completion escaped.
 std::string escaped(const std::string& text) {
   std::string result;
   for (const char c : text) {

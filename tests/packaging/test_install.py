@@ -4,13 +4,13 @@
 Usage: test_install.py ROOT BUILD COMPILER static|shared    static: what BUILD has; shared: made there
 """
 
-import os
 import re
-import subprocess
 import sys
 import tempfile
 import unittest
 from pathlib import Path
+
+from installed import output_of, run
 
 ROOT, BUILD, COMPILER, KIND = Path(sys.argv.pop(1)), Path(sys.argv.pop(1)), sys.argv.pop(1), sys.argv.pop(1)
 CONSUMERS = Path(__file__).resolve().parent
@@ -21,18 +21,6 @@ NO_USERS = "&ru=0&ru_n=&uud=0&uud_n=(null)&uuw=0&uuw_n=0&uum=0&uum_n=0"
 
 folder = tempfile.TemporaryDirectory()
 PREFIX = Path(folder.name, "moved here")
-
-
-def run(*command, **environment):
-    return subprocess.run([str(word) for word in command], stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
-                          env={**os.environ, **environment})
-
-
-def output_of(*command, **environment):
-    done = run(*command, **environment)
-    if done.returncode != 0:
-        raise AssertionError(f"{command} ended with {done.returncode}:\n{done.stdout}")
-    return done.stdout
 
 
 def setUpModule():

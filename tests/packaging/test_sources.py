@@ -11,15 +11,10 @@ import tempfile
 import unittest
 from pathlib import Path
 
+from installed import output_of
+
 ROOT, COMPILER = sys.argv.pop(1), sys.argv.pop(1)
 PROJECT = Path(__file__).resolve().parent / "fetched"
-
-
-def output_of(*command):
-    done = subprocess.run([str(word) for word in command], stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
-    if done.returncode != 0:
-        raise AssertionError(f"{command} ended with {done.returncode}:\n{done.stdout}")
-    return done.stdout
 
 
 class Fetched(unittest.TestCase):
