@@ -196,5 +196,13 @@ TEST(CSettings, ValuesOfAllKindsGoThroughTheHostsSettings) {
   kept.clear();
 }
 
+TEST_F(CFiles, ATruthOfAFailedOperationIsFalse) {
+  bool removed = true;
+
+  EXPECT_EQ(tavlo_deleteCachedVideo({.data = nullptr, .size = 1}, &removed), TAVLO_MISUSE);
+
+  EXPECT_FALSE(removed);
+}
+
 }  // namespace
 }  // namespace tavlo::test
